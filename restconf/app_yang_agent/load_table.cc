@@ -1,0 +1,232 @@
+#include "load_table.h"
+
+#include "backend/platform.h"
+#include "toolkit/val.h"
+
+#include <iterator>
+
+#define DECLARE_UNIT(function)                                                                               \
+    extern "C" Status y_##function##_init(const char *, const char *);                                       \
+    extern "C" Status y_##function##_init2();                                                                \
+    extern "C" void y_##function##_cleanup()
+#define UNIT(function, module, revision, ...)                                                                \
+    {                                                                                                        \
+        module, revision, y_##function##_init, y_##function##_init2, y_##function##_cleanup,                 \
+            __LINE__ __VA_OPT__(, ) __VA_ARGS__                                                              \
+    }
+// A module whose unit is still to be written: its row keeps its place and is passed over.
+#define PENDING(module, revision, ...)                                                                       \
+    {                                                                                                        \
+        module, revision, nullptr, nullptr, nullptr, __LINE__ __VA_OPT__(, ) __VA_ARGS__                     \
+    }
+
+DECLARE_UNIT(lyn_openconfig_jumbo);
+
+namespace bundle {
+
+namespace {
+
+// clang-format off
+constexpr UnitRow kUnits[] = {
+    // module, revision, only on platforms with forwarding profiles, text of a failure
+    PENDING("openconfig-system", "2018-11-21"),
+    PENDING("lyn-collectd", "2021-12-09"),
+    PENDING("openconfig-aaa", "2018-11-21"),
+    PENDING("lyn-openconfig-aaa-aug", "2019-09-04"),
+    PENDING("openconfig-interfaces", "2018-11-21"),
+    PENDING("openconfig-if-ethernet", "2023-09-25"),
+    PENDING("lyn-openconfig-if-ethernet-aug", "2019-11-12", false, FailureText::plainAsError),
+    PENDING("openconfig-if-aggregate", "2018-11-21"),
+    PENDING("openconfig-if-ip", "2018-11-21"),
+    PENDING("openconfig-spanning-tree", "2018-11-21"),
+    PENDING("openconfig-vlan", "2018-11-21"),
+    PENDING("openconfig-lldp", "2018-11-21"),
+    PENDING("lyn-openconfig-lldp-aug", "2021-12-20"),
+    PENDING("lyn-openconfig-if-poe-aug", "2020-01-04"),
+    PENDING("openconfig-network-instance", "2018-11-21"),
+    PENDING("openconfig-acl", "2018-11-21"),
+    PENDING("openconfig-probes", "2018-11-21"),
+    PENDING("lyn-openconfig-protectedport", "2020-11-26"),
+    PENDING("openconfig-relay-agent", "2018-11-21"),
+    PENDING("lyn-openconfig-vlan-aug", "2021-11-15"),
+    UNIT(lyn_openconfig_jumbo, "lyn-openconfig-jumbo", "2021-11-05"),
+    PENDING("lyn-flexauth-dev", "2021-12-07"),
+    PENDING("lyn-openconfig-platform-aug", "2021-11-04"),
+    PENDING("lyn-openconfig-dhcp-server", "2021-09-16"),
+    PENDING("lyn-openconfig-dhcp-client", "2021-11-22"),
+    PENDING("lyn-openconfig-dhcpv6-client", "2021-11-22"),
+    PENDING("openconfig-if-aggregate-aug", "2021-11-24"),
+    PENDING("lyn-openconfig-if-dai-aug", "2021-12-27"),
+    PENDING("lyn-openconfig-if-dhcp-snoop-aug", "2021-12-27"),
+    PENDING("openconfig-platform", "2018-11-21"),
+    PENDING("lyn-openconfig-stack", "2021-11-04"),
+    PENDING("lyn-openconfig-stormcontrol", "2021-10-28"),
+    PENDING("lyn-igmp-mld-snooping", "2021-12-10", false, FailureText::named, "igmp_mld_snooping"),
+    PENDING("lyn-openconfig-if-ndi-aug", "2021-12-27"),
+    PENDING("lyn-openconfig-if-source-guard-aug", "2021-12-27"),
+    PENDING("lyn-openconfig-flash", "2022-01-08"),
+    PENDING("lyn-openconfig-snmp-server", "2022-01-10"),
+    PENDING("lyn-openconfig-acl-aug", "2022-01-19"),
+    PENDING("lyn-openconfig-spanning-tree-aug", "2018-11-21"),
+    PENDING("lyn-openconfig-cli-template", "2022-02-01"),
+    PENDING("lyn-openconfig-actions", "2022-02-04"),
+    PENDING("lyn-openconfig-if-trust-dscp-aug", "2022-03-10"),
+    PENDING("lyn-openconfig-supportsave", "2022-02-22"),
+    PENDING("lyn-openconfig-system-aug", "2022-03-23", false, FailureText::named, "default-gateway"),
+    PENDING("lyn-openconfig-archive", "2022-03-12", false, FailureText::named, "lyn_archive"),
+    PENDING("lyn-openconfig-ping", "2022-07-05", false, FailureText::named, "lyn_ping"),
+    PENDING("lyn-openconfig-traceroute", "2022-07-05", false, FailureText::named, "lyn_traceroute"),
+    PENDING("lyn-openconfig-iproute", "2022-07-05", false, FailureText::named, "lyn_iproute"),
+    PENDING("lyn-openconfig-management_config", "2022-09-09", false, FailureText::named, "lyn_management_config"),
+    PENDING("lyn-openconfig-network-instance-aug", "2022-08-23"),
+    PENDING("lyn-openconfig-vlan-webauth-aug", nullptr, false, FailureText::named, "lyn_openconfig_webauth"),
+    PENDING("lyn-openconfig-vxlan", "2022-10-19"),
+    PENDING("lyn-openconfig-forwarding-profile", "2022-11-30", true),
+    PENDING("lyn-openconfig-ippm", nullptr),
+    PENDING("lyn-openconfig-watcher", nullptr),
+};
+// clang-format on
+
+constexpr const char *kInit2Order[] = {
+    "openconfig-system",
+    "lyn-collectd",
+    "openconfig-aaa",
+    "lyn-openconfig-aaa-aug",
+    "openconfig-if-ethernet",
+    "openconfig-interfaces",
+    "openconfig-if-aggregate",
+    "openconfig-if-ip",
+    "openconfig-spanning-tree",
+    "openconfig-vlan",
+    "openconfig-lldp",
+    "lyn-openconfig-lldp-aug",
+    "lyn-openconfig-if-poe-aug",
+    "openconfig-acl",
+    "openconfig-network-instance",
+    "openconfig-probes",
+    "lyn-openconfig-protectedport",
+    "lyn-openconfig-jumbo",
+    "lyn-openconfig-vlan-aug",
+    "lyn-openconfig-if-dai-aug",
+    "lyn-openconfig-if-dhcp-snoop-aug",
+    "openconfig-relay-agent",
+    "lyn-openconfig-platform-aug",
+    "lyn-openconfig-dhcp-server",
+    "lyn-openconfig-dhcp-client",
+    "lyn-openconfig-dhcpv6-client",
+    "openconfig-platform",
+    "openconfig-if-aggregate-aug",
+    "lyn-openconfig-stack",
+    "lyn-openconfig-stormcontrol",
+    "lyn-igmp-mld-snooping",
+    "lyn-openconfig-if-ndi-aug",
+    "lyn-openconfig-if-source-guard-aug",
+    "lyn-flexauth-dev",
+    "lyn-openconfig-flash",
+    "lyn-openconfig-snmp-server",
+    "lyn-openconfig-acl-aug",
+    "lyn-openconfig-spanning-tree-aug",
+    "lyn-openconfig-cli-template",
+    "lyn-openconfig-actions",
+    "lyn-openconfig-if-trust-dscp-aug",
+    "lyn-openconfig-supportsave",
+    "lyn-openconfig-system-aug",
+    "lyn-openconfig-archive",
+    "lyn-openconfig-ping",
+    "lyn-openconfig-traceroute",
+    "lyn-openconfig-iproute",
+    "lyn-openconfig-management_config",
+    "lyn-openconfig-network-instance-aug",
+    "lyn-openconfig-vlan-webauth-aug",
+    "lyn-openconfig-vxlan",
+};
+
+constexpr const char *kCleanupOrder[] = {
+    "openconfig-system",
+    "lyn-collectd",
+    "openconfig-aaa",
+    "lyn-openconfig-aaa-aug",
+    "openconfig-if-ethernet",
+    "openconfig-interfaces",
+    "openconfig-if-aggregate",
+    "openconfig-if-ip",
+    "openconfig-spanning-tree",
+    "openconfig-vlan",
+    "openconfig-lldp",
+    "lyn-openconfig-lldp-aug",
+    "openconfig-network-instance",
+    "openconfig-acl",
+    "lyn-openconfig-if-poe-aug",
+    "openconfig-probes",
+    "lyn-openconfig-platform-aug",
+    "openconfig-relay-agent",
+    "lyn-openconfig-vlan-aug",
+    "lyn-openconfig-jumbo",
+    "lyn-openconfig-dhcp-server",
+    "lyn-openconfig-dhcp-client",
+    "lyn-openconfig-dhcpv6-client",
+    "openconfig-if-aggregate-aug",
+    "lyn-openconfig-if-dhcp-snoop-aug",
+    "lyn-openconfig-if-dai-aug",
+    "openconfig-platform",
+    "lyn-openconfig-stormcontrol",
+    "lyn-openconfig-protectedport",
+    "lyn-igmp-mld-snooping",
+    "lyn-openconfig-if-ndi-aug",
+    "lyn-openconfig-if-source-guard-aug",
+    "lyn-openconfig-stack",
+    "lyn-openconfig-flash",
+    "lyn-flexauth-dev",
+    "lyn-openconfig-snmp-server",
+    "lyn-openconfig-acl-aug",
+    "lyn-openconfig-spanning-tree-aug",
+    "lyn-openconfig-cli-template",
+    "lyn-openconfig-actions",
+    "lyn-openconfig-if-trust-dscp-aug",
+    "lyn-openconfig-supportsave",
+    "lyn-openconfig-system-aug",
+    "lyn-openconfig-archive",
+    "lyn-openconfig-ping",
+    "lyn-openconfig-traceroute",
+    "lyn-openconfig-iproute",
+    "lyn-openconfig-management_config",
+    "lyn-openconfig-network-instance-aug",
+    "lyn-openconfig-vlan-webauth-aug",
+    "lyn-openconfig-vxlan",
+    "lyn-openconfig-forwarding-profile",
+    "lyn-openconfig-ippm",
+    "lyn-openconfig-watcher",
+};
+
+} // namespace
+
+std::span<const UnitRow> loadTable()
+{
+    return kUnits;
+}
+
+std::span<const char *const> init2Order()
+{
+    return kInit2Order;
+}
+
+std::span<const char *const> cleanupOrder()
+{
+    return kCleanupOrder;
+}
+
+const UnitRow *findUnit(const char *module)
+{
+    for (const UnitRow &row : kUnits)
+        if (xml_strcmp(row.module, module) == 0)
+            return &row;
+    return nullptr;
+}
+
+bool hasForwardingProfiles()
+{
+    const int type = get_platform_type();
+    return type == 4 || type == 5;
+}
+
+} // namespace bundle

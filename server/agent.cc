@@ -1,0 +1,187 @@
+#include "server/agent.h"
+
+#include "server/audit.h"
+#include "server/front_end.h"
+#include "server/paths.h"
+#include "server/restconf/capabilities.h"
+#include "server/restconf/front_end.h"
+#include "server/state_folder.h"
+#include "server/tls.h"
+#include "server/users.h"
+#include "server/worker.h"
+#include "toolkit/log.h"
+
+#include <array>
+#include <boost/asio/signal_set.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace agentd
+{
+namespace
+{
+
+namespace net = boost::asio;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kThreads = 2;
+constexpr std::size_t kWaitingCallbacks = 64, kWaitingHashes = 64;
+// Together below the second that a stop may take.
+constexpr std::chrono::milliseconds kGraceForAnswers{400}, kGraceForCallbacks{300};
+
+// The modules that the server serves by itself, whatever the bundle brings.
+constexpr std::array kServerModules{"ietf-restconf", "ietf-restconf-monitoring"};
+
+// Everything that the front ends stand on, in an order in which destruction is safe: the host goes while the
+// device is still there, and the workers before the host that their jobs use.
+class Agent
+{
+public:
+    explicit Agent(const ServeOptions &options);
+
+    void run();
+
+private:
+    void openHost(const ServeOptions &options);
+    void addFrontEnds(net::ip::tcp::acceptor restconf, const ServeOptions &options);
+    void announce() const;
+    void awaitSignal();
+    void beginStop();
+    void serveOnThisThread();
+    void finishStop();
+
+    FileHandle folder_;
+    net::io_context io_{kThreads};
+    net::signal_set signals_{io_};
+    net::steady_timer grace_{io_};
+    std::unique_ptr<Users> users_;
+    std::unique_ptr<Audit> audit_;
+    std::unique_ptr<Device> device_;
+    std::unique_ptr<tk::Host> host_;
+    Worker callbacks_{kWaitingCallbacks};
+    Worker hashing_{kWaitingHashes};
+    std::vector<std::unique_ptr<FrontEnd>> frontEnds_;
+};
+
+Agent::Agent(const ServeOptions &options)
+    : folder_(takeStateFolder(options.stateDir))
+{
+    createAdministrator(options.stateDir);
+    users_ = std::make_unique<Users>(options.stateDir);
+    audit_ = std::make_unique<Audit>(options.stateDir / "audit.log");
+    ensureCertificate(options.stateDir, options.restconf.host);
+    auto acceptor = listenAt(io_, options.restconf);
+    device_ = setUpDevice(options.device);
+    openHost(options);
+    addFrontEnds(std::move(acceptor), options);
+}
+
+void Agent::openHost(const ServeOptions &options)
+{
+    const auto folders = options.moduleDirs.empty() ? defaultModuleDirs() : options.moduleDirs;
+    const auto startup = startupData(options.stateDir, options.factory ? options.factory : defaultFactory());
+    host_ = std::make_unique<tk::Host>(tk::HostOptions{folders, options.logLevel});
+    for (const char *module : kServerModules)
+        host_->loadServerModule(module);
+    host_->loadBundle(bundleLibrary(), options.bundle);
+    restconf::provideCapabilities(*host_);
+    host_->seal();
+    if (startup)
+        host_->loadStartup(*startup, tk::Encoding::json);
+    host_->finishStart();
+}
+
+void Agent::addFrontEnds(net::ip::tcp::acceptor restconf, const ServeOptions &options)
+{
+    const Services services{io_, *host_, callbacks_, hashing_, *users_, *audit_, options.stateDir};
+    frontEnds_.push_back(std::make_unique<restconf::RestconfFrontEnd>(services, std::move(restconf),
+                                                                      serverContext(options.stateDir)));
+}
+
+void Agent::run()
+{
+    awaitSignal();
+    for (const auto &frontEnd : frontEnds_)
+        frontEnd->start();
+    announce();
+    std::vector<std::thread> others;
+    for (int i = 1; i < kThreads; ++i)
+        others.emplace_back([this] { serveOnThisThread(); });
+    serveOnThisThread();
+    for (std::thread &thread : others)
+        thread.join();
+    finishStop();
+}
+
+// The second front end takes the place of the "-".
+void Agent::announce() const
+{
+    const std::string netconf = frontEnds_.size() > 1 ? frontEnds_[1]->address() : "-";
+    std::cout << "ready restconf=" << frontEnds_[0]->address() << " netconf=" << netconf << std::endl;
+}
+
+// Only now: until there is something to end cleanly, a signal ends the process as usual, also while the start
+// waits for a silent switch.
+void Agent::awaitSignal()
+{
+    signals_.add(SIGTERM);
+    signals_.add(SIGINT);
+    signals_.async_wait([this](const boost::system::error_code &error, int) {
+        if (!error)
+            beginStop();
+    });
+}
+
+void Agent::beginStop()
+{
+    log_info("agentd: stopping\n");
+    for (const auto &frontEnd : frontEnds_)
+        frontEnd->stop();
+    grace_.expires_after(kGraceForAnswers);
+    grace_.async_wait([this](const boost::system::error_code &) { io_.stop(); });
+}
+
+// Handlers catch what they expect; what still gets here costs one connection, not the server.
+void Agent::serveOnThisThread()
+{
+    for (;;) {
+        try {
+            io_.run();
+            return;
+        } catch (const std::exception &failure) {
+            log_error("agentd: a connection failed: %s\n", failure.what());
+        }
+    }
+}
+
+// A callback that waits for a silent daemon cannot be called off. Nothing that is worth keeping is in memory
+// only, so the process ends around it.
+void Agent::finishStop()
+{
+    device_->interrupt();
+    const auto deadline = Clock::now() + kGraceForCallbacks;
+    const bool hashesEnded = hashing_.stop(deadline);
+    if (callbacks_.stop(deadline) && hashesEnded)
+        return;
+    log_error("agentd: stopped while a request waited for the switch\n");
+    std::_Exit(EXIT_SUCCESS);
+}
+
+} // namespace
+
+int serve(const ServeOptions &options)
+try {
+    std::signal(SIGPIPE, SIG_IGN);
+    Agent(options).run();
+    return EXIT_SUCCESS;
+} catch (const std::exception &failure) {
+    std::cerr << "agentd: cannot start: " << failure.what() << std::endl;
+    return EXIT_FAILURE;
+}
+
+} // namespace agentd

@@ -1,0 +1,35 @@
+// A folder of a test's own, gone with the test.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace agentd::test
+{
+
+class TemporaryFolder
+{
+public:
+    TemporaryFolder()
+    {
+        std::string name = (std::filesystem::temp_directory_path() / "agentd-test-XXXXXX").string();
+        if (!::mkdtemp(name.data()))
+            throw std::runtime_error("no temporary folder");
+        path_ = name;
+    }
+    ~TemporaryFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder &) = delete;
+    TemporaryFolder &operator=(const TemporaryFolder &) = delete;
+    const std::filesystem::path &path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace agentd::test

@@ -1,0 +1,90 @@
+#include "server/worker.h"
+
+#include <future>
+#include <gmock/gmock.h>
+#include <numeric>
+
+namespace agentd {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::steady_clock;
+
+// A job that runs until it is let go.
+struct Blocker {
+    std::promise<void> began, release;
+    Worker::Job job()
+    {
+        return [this] {
+            began.set_value();
+            release.get_future().wait();
+        };
+    }
+};
+
+TEST(Worker, CarriesOutInOrder)
+{
+    std::vector<int> done;
+    std::promise<void> last;
+    Worker worker(100);
+    for (int i = 0; i < 50; ++i)
+        ASSERT_TRUE(worker.post([&done, i] { done.push_back(i); }));
+    ASSERT_TRUE(worker.post([&] { last.set_value(); }));
+    last.get_future().wait();
+    std::vector<int> expected(50);
+    std::iota(expected.begin(), expected.end(), 0);
+    EXPECT_EQ(done, expected);
+}
+
+TEST(Worker, TakesNoMoreThanItsBound)
+{
+    Blocker blocker;
+    Worker worker(2);
+    ASSERT_TRUE(worker.post(blocker.job()));
+    blocker.began.get_future().wait();
+    EXPECT_TRUE(worker.post([] {}));
+    EXPECT_TRUE(worker.post([] {}));
+    EXPECT_FALSE(worker.post([] {}));
+    blocker.release.set_value();
+}
+
+TEST(Worker, SurvivesAFailingJob)
+{
+    std::promise<void> next;
+    Worker worker(2);
+    ASSERT_TRUE(worker.post([] { throw std::runtime_error("on purpose"); }));
+    ASSERT_TRUE(worker.post([&] { next.set_value(); }));
+    EXPECT_EQ(next.get_future().wait_for(10s), std::future_status::ready);
+}
+
+TEST(Worker, StopDropsWhatWaits)
+{
+    Blocker blocker;
+    bool ran = false;
+    Worker worker(100000); // never full here
+    ASSERT_TRUE(worker.post(blocker.job()));
+    blocker.began.get_future().wait();
+    ASSERT_TRUE(worker.post([&] { ran = true; }));
+    auto stopped = std::async(std::launch::async, [&] { return worker.stop(steady_clock::now() + 10s); });
+    while (worker.post([] {})) // until the stop has begun
+        std::this_thread::sleep_for(1ms);
+    blocker.release.set_value();
+    EXPECT_TRUE(stopped.get());
+    EXPECT_FALSE(ran);
+}
+
+TEST(Worker, StopGivesUpAtItsDeadline)
+{
+    // Both outlive the thread that is given up, as in a process that ends.
+    static auto *const blocker = new Blocker;
+    static auto *const worker = new Worker(2);
+    ASSERT_TRUE(worker->post(blocker->job()));
+    blocker->began.get_future().wait();
+    const auto start = steady_clock::now();
+    EXPECT_FALSE(worker->stop(start + 50ms));
+    EXPECT_LT(steady_clock::now() - start, 5s);
+    blocker->release.set_value();
+}
+
+} // namespace
+} // namespace agentd

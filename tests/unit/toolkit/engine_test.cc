@@ -1,0 +1,477 @@
+// Which callbacks hear of an edit, with what, in which order, and what is left after a failure.
+#include "tests/unit/toolkit/toy.h"
+
+#include <gmock/gmock.h>
+
+namespace test {
+namespace {
+
+using namespace tk;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+std::string doc(const std::string &top)
+{
+    return R"({"toy:top":)" + top + "}";
+}
+
+struct Case {
+    std::string name;
+    std::string running; // content of toy:top
+    Method method;
+    std::string path, body;
+    std::vector<std::string> told; // what apply tells, in order
+    std::map<std::string, unsigned> options = {};
+};
+
+class Tells : public testing::TestWithParam<Case> { };
+
+TEST_P(Tells, ExactlyThese)
+{
+    const Case &c = GetParam();
+    ToyBench bench(doc(c.running), c.options);
+    bench.told();
+    const Outcome outcome = bench.edit(c.method, c.path, c.body);
+    EXPECT_THAT(outcome.refusals, ElementsAre());
+    EXPECT_THAT(bench.told("apply"), ElementsAreArray(c.told));
+}
+
+const Case kCases[] = {
+    {"a_leaf_that_comes",
+     "{}",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"plain":"a"}})",
+     {"merge /toy:top plain:create=a"}},
+    {"a_leaf_that_changes",
+     R"({"plain":"a"})",
+     Method::put,
+     "toy:top/plain",
+     R"({"toy:plain":"b"})",
+     {"merge /toy:top plain:merge=b"}},
+    {"a_leaf_that_goes",
+     R"({"plain":"a"})",
+     Method::remove,
+     "toy:top/plain",
+     "",
+     {"merge /toy:top plain:delete"}},
+    {"the_same_value", R"({"plain":"a"})", Method::patch, "toy:top", R"({"toy:top":{"plain":"a"}})", {}},
+    {"a_leaf_of_a_container_without_callback",
+     "{}",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"inner":{"deep":"x"}}})",
+     {"merge /toy:top deep:create=x"}},
+    {"ancestors_on_the_way_hear_nothing",
+     "{}",
+     Method::patch,
+     "toy:top/config",
+     R"({"toy:config":{"enabled":true}})",
+     {"merge /toy:top/config enabled:create=true"}},
+    {"put_of_a_container_is_replace",
+     R"({"config":{"enabled":true,"limit":3}})",
+     Method::put,
+     "toy:top/config",
+     R"({"toy:config":{"enabled":true}})",
+     {"replace /toy:top/config limit:delete"}},
+    {"put_above_replaces_containers_below",
+     R"({"config":{"limit":3}})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"config":{"limit":4}}})",
+     {"replace /toy:top", "replace /toy:top/config limit:merge=4"}},
+    {"put_that_empties_is_replace",
+     R"({"config":{"limit":3}})",
+     Method::put,
+     "toy:top/config",
+     R"({"toy:config":{}})",
+     {"replace /toy:top/config limit:delete"}},
+    {"delete_of_a_container",
+     R"({"config":{"limit":3}})",
+     Method::remove,
+     "toy:top/config",
+     "",
+     {"delete /toy:top/config"}},
+    {"delete_above_is_told_below_first",
+     R"({"plain":"a","config":{"limit":3}})",
+     Method::remove,
+     "toy:top",
+     "",
+     {"delete /toy:top/config", "delete /toy:top"}},
+    {"post_of_a_container_is_create",
+     "{}",
+     Method::post,
+     "toy:top",
+     R"({"toy:config":{"limit":3}})",
+     {"create /toy:top/config limit:create=3"}},
+    {"a_new_entry_and_what_it_holds",
+     "{}",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"entry":[{"name":"a","config":{"value":"v"}}]}})",
+     {"create /toy:top/entry[name='a'] name:create=a",
+      "create /toy:top/entry[name='a']/config value:create=v"}},
+    {"an_entry_without_config_tells_no_config",
+     "{}",
+     Method::post,
+     "toy:top",
+     R"({"toy:entry":[{"name":"a"}]})",
+     {"create /toy:top/entry[name='a'] name:create=a"}},
+    {"an_entry_that_goes_children_and_last_first",
+     R"({"entry":[{"name":"a","config":{"value":"v"},"sub":[{"id":1},{"id":2}]}]})",
+     Method::remove,
+     "toy:top/entry=a",
+     "",
+     {"delete /toy:top/entry[name='a']/sub[id='2']", "delete /toy:top/entry[name='a']/sub[id='1']",
+      "delete /toy:top/entry[name='a']/config", "delete /toy:top/entry[name='a']"}},
+    {"an_entry_put_is_replace_its_containers_merge",
+     R"({"entry":[{"name":"a","config":{"value":"v","other":"o"}}]})",
+     Method::put,
+     "toy:top/entry=a",
+     R"({"toy:entry":[{"name":"a","config":{"value":"w"}}]})",
+     {"replace /toy:top/entry[name='a']",
+      "merge /toy:top/entry[name='a']/config value:merge=w other:delete"}},
+    {"a_replaced_entry_in_which_nothing_differs",
+     R"({"entry":[{"name":"a","own":"o"}]})",
+     Method::put,
+     "toy:top/entry=a",
+     R"({"toy:entry":[{"name":"a","own":"o"}]})",
+     {}},
+    {"deletions_come_before_the_others",
+     R"({"entry":[{"name":"a"},{"name":"b","own":"o"}]})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"entry":[{"name":"b","own":"p"},{"name":"c"}]}})",
+     {"delete /toy:top/entry[name='a']", "replace /toy:top", "replace /toy:top/entry[name='b'] own:merge=p",
+      "create /toy:top/entry[name='c'] name:create=c"}},
+    {"siblings_in_schema_order_entries_in_the_clients",
+     "{}",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"entry":[{"name":"z"},{"name":"a"}],"config":{"limit":1}}})",
+     {"merge /toy:top/config limit:create=1", "create /toy:top/entry[name='z'] name:create=z",
+      "create /toy:top/entry[name='a'] name:create=a"}},
+    {"presence_comes",
+     "{}",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"marked":{"note":"n","inside":{"value":"v"}}}})",
+     {"create /toy:top/marked note:create=n", "create /toy:top/marked/inside value:create=v"}},
+    {"presence_alone",
+     "{}",
+     Method::put,
+     "toy:top/marked",
+     R"({"toy:marked":{}})",
+     {"create /toy:top/marked"}},
+    {"presence_goes_with_its_container",
+     R"({"marked":{"inside":{"value":"v"}}})",
+     Method::remove,
+     "toy:top/marked",
+     "",
+     {"delete /toy:top/marked/inside", "delete /toy:top/marked"}},
+    {"an_entry_cuts_what_was_asked_above",
+     R"({"marked":{"inside":{"value":"v"}}})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"marked":{"inside":{"value":"w"}}}})",
+     {"replace /toy:top", "replace /toy:top/marked", "merge /toy:top/marked/inside value:merge=w"}},
+    {"a_registered_leaf_comes",
+     "{}",
+     Method::put,
+     "toy:top/lone",
+     R"({"toy:lone":"l"})",
+     {"create /toy:top/lone"}},
+    {"a_registered_leaf_changes",
+     R"({"lone":"l"})",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"lone":"m"}})",
+     {"merge /toy:top/lone"}},
+    {"a_registered_leaf_is_replaced",
+     R"({"lone":"l"})",
+     Method::put,
+     "toy:top/lone",
+     R"({"toy:lone":"m"})",
+     {"replace /toy:top/lone"}},
+    {"a_registered_leaf_goes",
+     R"({"lone":"l"})",
+     Method::remove,
+     "toy:top/lone",
+     "",
+     {"delete /toy:top/lone"}},
+    {"values_of_a_leaf_list",
+     R"({"words":["a","b"]})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"words":["b","c"]}})",
+     {"replace /toy:top words:delete=a words:create=c"}},
+    {"a_moved_value_is_a_merge",
+     R"({"words":["a","b","c"]})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"words":["c","a","b"]}})",
+     {"replace /toy:top words:merge=c"}},
+    {"a_moved_entry_is_replaced",
+     R"({"ranked":[{"name":"a"},{"name":"b"}]})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"ranked":[{"name":"b"},{"name":"a"}]}})",
+     {"replace /toy:top", "replace /toy:top/ranked[name='b']"}},
+    {"the_other_case_goes",
+     R"({"first":"f","first-more":"m"})",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"second":"s"}})",
+     {"merge /toy:top first:delete first-more:delete second:create=s"}},
+    {"a_schema_default_written_out_is_a_difference",
+     "{}",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"number":7}})",
+     {"merge /toy:top number:create=7"}},
+    {"top_level_nodes_in_load_order",
+     "{}",
+     Method::patch,
+     "",
+     R"({"ietf-restconf:data":{"toy:late":{"plain":"l"},"toy:top":{"plain":"t"}}})",
+     {"merge /toy:top plain:create=t", "merge /toy:late plain:create=l"}},
+
+    {"emptied_is_delete_by_a_leaf",
+     R"({"config":{"limit":3}})",
+     Method::remove,
+     "toy:top/config/limit",
+     "",
+     {"delete /toy:top/config"},
+     {{"/t:top/t:config", emptiedIsDelete}}},
+    {"emptied_is_delete_by_a_put_above",
+     R"({"plain":"a","config":{"limit":3}})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"plain":"a"}})",
+     {"delete /toy:top/config", "replace /toy:top"},
+     {{"/t:top/t:config", emptiedIsDelete}}},
+    {"first_fill_is_create",
+     "{}",
+     Method::put,
+     "toy:top/config",
+     R"({"toy:config":{"limit":3}})",
+     {"create /toy:top/config limit:create=3"},
+     {{"/t:top/t:config", firstFillIsCreate}}},
+    {"replaced_with_its_entry",
+     R"({"entry":[{"name":"a","config":{"value":"v"}}]})",
+     Method::put,
+     "toy:top/entry=a",
+     R"({"toy:entry":[{"name":"a","config":{"value":"w"}}]})",
+     {"replace /toy:top/entry[name='a']", "replace /toy:top/entry[name='a']/config value:merge=w"},
+     {{"/t:top/t:entry/t:config", replacedWithEntry}}},
+    {"whole_entry_mutes_what_is_inside",
+     R"({"entry":[{"name":"a","config":{"value":"v"}}]})",
+     Method::put,
+     "toy:top/entry=a",
+     R"({"toy:entry":[{"name":"a","config":{"value":"w"}}]})",
+     {"replace /toy:top/entry[name='a']"},
+     {{"/t:top/t:entry", wholeEntry}}},
+    {"spared_when_its_entry_goes",
+     R"({"entry":[{"name":"a","config":{"value":"v"}}]})",
+     Method::remove,
+     "toy:top/entry=a",
+     "",
+     {"delete /toy:top/entry[name='a']"},
+     {{"/t:top/t:entry/t:config", spared}}},
+    {"what_refuses_comes_first",
+     R"({"config":{"limit":3},"entry":[{"name":"a"}]})",
+     Method::remove,
+     "toy:top",
+     "",
+     {"delete /toy:top/config", "delete /toy:top/entry[name='a']", "delete /toy:top"},
+     {{"/t:top/t:config", refusesDelete}}},
+};
+INSTANTIATE_TEST_SUITE_P(Rules, Tells, testing::ValuesIn(kCases), CaseName());
+
+TEST(Phases, AllValidateThenApplyThenCommit)
+{
+    ToyBench bench(doc(R"({"config":{"limit":3}})"));
+    bench.told();
+    EXPECT_TRUE(bench.put("toy:top", R"({"toy:top":{"plain":"x"}})").changed);
+    EXPECT_THAT(
+        bench.told(),
+        ElementsAre("validate replace /toy:top plain:create=x",
+                    "validate replace /toy:top/config limit:delete", "apply replace /toy:top plain:create=x",
+                    "apply replace /toy:top/config limit:delete", "commit replace /toy:top plain:create=x",
+                    "commit replace /toy:top/config limit:delete"));
+}
+
+struct FailureCase {
+    std::string name, phase;
+    std::vector<std::string> rolledBack;
+};
+
+class Failing : public testing::TestWithParam<FailureCase> { };
+
+// Three nodes are told: top, config, late; the second fails.
+TEST_P(Failing, LeavesRunningAsItWas)
+{
+    const FailureCase &c = GetParam();
+    ToyBench bench(doc(R"({"plain":"a","entry":[{"name":"k","own":"o"}]})"));
+    const std::string before = bench.running();
+    bench.told();
+    bench.failAt(c.phase, "/toy:top/config", 4);
+    bench.failAt("rollback", "/toy:top", 274, "not what the client is told");
+    const Outcome outcome = bench.put(
+        "",
+        R"({"ietf-restconf:data":{"toy:top":{"plain":"b","config":{"limit":1}},"toy:late":{"plain":"l"}}})");
+    EXPECT_THAT(outcome.refusals,
+                ElementsAre(Refusal{4, "operation-failed", "/toy:top/config", statusInfo(4).text}));
+    EXPECT_EQ(bench.running(), before);
+    EXPECT_THAT(bench.told("rollback"), ElementsAreArray(c.rolledBack));
+    bench.failNowhere();
+    EXPECT_TRUE(bench.patch("toy:top", R"({"toy:top":{"plain":"c"}})").ok()); // and it goes on
+}
+
+const FailureCase kFailures[] = {
+    {"in_validate_calls_no_rollback", "validate", {}},
+    {"in_apply_undoes_what_was_applied",
+     "apply",
+     {"replace /toy:top plain:merge=b", "delete /toy:top/entry[name='k']"}},
+    {"in_commit_undoes_all_but_itself_newest_first",
+     "commit",
+     {"replace /toy:late plain:create=l", "replace /toy:top plain:merge=b",
+      "delete /toy:top/entry[name='k']"}},
+};
+INSTANTIATE_TEST_SUITE_P(Phases, Failing, testing::ValuesIn(kFailures), CaseName());
+
+TEST(FailureOptions, NoRollbackAndUndoesItself)
+{
+    ToyBench bench({}, {{"/t:top", noRollback}, {"/t:late", undoesItself}});
+    bench.failAt("apply", "/toy:late", 4);
+    bench.patch(
+        "",
+        R"({"ietf-restconf:data":{"toy:top":{"plain":"b","config":{"limit":1}},"toy:late":{"plain":"l"}}})");
+    EXPECT_THAT(bench.told("rollback"),
+                ElementsAre("merge /toy:late plain:create=l", "merge /toy:top/config limit:create=1"));
+}
+
+TEST(Records, TheCallbacksOwnTextReachesTheClientAlone)
+{
+    ToyBench bench;
+    bench.failAt("apply", "/toy:top", 1042, "the device says no");
+    EXPECT_THAT(bench.patch("toy:top", R"({"toy:top":{"plain":"b"}})").refusals,
+                ElementsAre(Refusal{1042, "operation-failed", "/toy:top", "the device says no"}));
+}
+
+TEST(Values, NewAndCurrentAreWholeAndTheSameInAllPhases)
+{
+    ToyBench bench(
+        doc(R"({"plain":"a","words":["x","y"],"config":{"limit":3},"entry":[{"name":"k","own":"o"}]})"));
+    std::vector<std::string> seen;
+    bench.watch = [&](const std::string &line, Value *newval, Value *curval) {
+        if (line.find(" /toy:top ") != line.npos)
+            seen.push_back(textOf(newval) + " was " + textOf(curval));
+    };
+    bench.failAt("commit", "/toy:late", 4);
+    bench.put(
+        "",
+        R"({"ietf-restconf:data":{"toy:top":{"plain":"b","words":["y"],"form":"toy:round"},"toy:late":{"plain":"l"}}})");
+    const std::string both =
+        R"({"plain":"b","words":"y","form":"round"})"
+        R"( was {"plain":"a","words":"x","words":"y","config":{"limit":"3"},"entry":{"name":"k","own":"o"}})";
+    EXPECT_THAT(seen, ElementsAre(both, both, both, both)); // validate, apply, commit, rollback
+}
+
+TEST(Values, AbsentSidesAreNullAndEmptyContainersAreNot)
+{
+    ToyBench bench(doc(R"({"marked":{}})"));
+    std::map<std::string, std::string> seen;
+    bench.watch = [&](const std::string &line, Value *newval, Value *curval) {
+        seen[line.substr(0, line.find(' ', line.find('/')))] = textOf(newval) + " was " + textOf(curval);
+    };
+    bench.post("toy:top", R"({"toy:entry":[{"name":"k"}]})");
+    bench.remove("toy:top/marked");
+    bench.patch("toy:top", R"({"toy:top":{"config":{"limit":1}}})");
+    bench.remove("toy:top/config/limit");
+    EXPECT_EQ(seen["apply create /toy:top/entry[name='k']"], R"({"name":"k"} was -)");
+    EXPECT_EQ(seen["apply delete /toy:top/marked"], "- was {}");
+    EXPECT_EQ(seen["apply merge /toy:top/config"], R"({} was {"limit":"1"})");
+}
+
+TEST(Values, KeysComeOutermostFirst)
+{
+    ToyBench bench;
+    std::vector<std::string> keys;
+    bench.watch = [&](const std::string &line, Value *newval, Value *) {
+        if (line.rfind("apply create /toy:top/entry[name='e']/sub", 0) != 0)
+            return;
+        Value *last = nullptr;
+        while (Value *key = agt_get_key_value(newval, &last))
+            keys.push_back(val_get_string(key));
+        EXPECT_EQ(val_get_uint64(val_find_child(newval, "toy", "id")), 12u);
+    };
+    bench.patch("toy:top", R"({"toy:top":{"entry":[{"name":"e","sub":[{"id":12}]}]}})");
+    EXPECT_THAT(keys, ElementsAre("e", "12"));
+}
+
+TEST(Values, OperationsAreThoseAskedOfTheNode)
+{
+    ToyBench bench(doc(R"({"config":{"limit":3},"words":["a"]})"));
+    std::vector<EditOp> ops;
+    bench.watch = [&](const std::string &line, Value *newval, Value *) {
+        if (line.rfind("apply replace /toy:top/config", 0) == 0)
+            ops = {val_get_editop(newval), val_get_editop(val_find_child(newval, nullptr, "enabled"))};
+    };
+    bench.put("toy:top/config", R"({"toy:config":{"enabled":true,"limit":3}})");
+    EXPECT_THAT(ops, ElementsAre(replace, replace));
+}
+
+TEST(Load, EachCallbackByItselfWithoutRollback)
+{
+    ToyBench bench;
+    // Another host cannot be made beside this one, so the startup data come late.
+    bench.failAt("apply", "/toy:top", 273);
+    bench.host().loadStartup(doc(R"({"plain":"a","config":{"limit":3},"entry":[{"name":"k"}]})"),
+                             Encoding::json);
+    EXPECT_THAT(bench.told("apply"),
+                ElementsAre("load /toy:top", "load /toy:top/config", "load /toy:top/entry[name='k']"));
+    EXPECT_EQ(bench.read("toy:top/plain"), R"({"toy:plain":"a"})");
+}
+
+TEST(Load, WhatWasRefusedStillCommits)
+{
+    ToyBench bench;
+    bench.failAt("apply", "/toy:top", 273);
+    bench.host().loadStartup(doc(R"({"plain":"a"})"), Encoding::json);
+    EXPECT_THAT(bench.told(),
+                ElementsAre("validate load /toy:top", "apply load /toy:top", "commit load /toy:top"));
+}
+
+TEST(Reading, ConfigurationDuringAnEditIsThatBeforeIt)
+{
+    ToyBench bench(doc(R"({"plain":"a","words":["x","y"],"entry":[{"name":"k","own":"o"},{"name":"l"}]})"));
+    const std::string before = bench.running();
+    std::string during, target;
+    bench.watch = [&](const std::string &line, Value *, Value *) {
+        if (line.rfind("apply replace /toy:top ", 0) == 0) {
+            during = bench.running();
+            target = bench.read("toy:top/entry=k");
+        }
+    };
+    EXPECT_TRUE(
+        bench
+            .put("toy:top", R"({"toy:top":{"plain":"b","words":["y","z"],"entry":[{"name":"k","own":"p"}]}})")
+            .ok());
+    EXPECT_EQ(during, before);
+    EXPECT_EQ(target, R"({"toy:entry":[{"name":"k","own":"o"}]})");
+    EXPECT_EQ(bench.read("toy:top/entry=k"), R"({"toy:entry":[{"name":"k","own":"p"}]})");
+}
+
+TEST(Reading, TheStampChangesWithEachEditThatChangesSomething)
+{
+    ToyBench bench(doc(R"({"plain":"a"})"));
+    const std::string first = bench.host().stamp().tag;
+    EXPECT_FALSE(bench.patch("toy:top", R"({"toy:top":{"plain":"a"}})").changed);
+    EXPECT_EQ(bench.host().stamp().tag, first);
+    EXPECT_TRUE(bench.patch("toy:top", R"({"toy:top":{"plain":"b"}})").changed);
+    EXPECT_NE(bench.host().stamp().tag, first);
+}
+
+} // namespace
+} // namespace test
