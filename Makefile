@@ -4,12 +4,15 @@ STATE ?= state
 JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: deps build run test unit e2e sanitize fuzz bench soak lint format clean
+.PHONY: deps deps-extra build run test unit e2e sanitize fuzz bench soak lint format clean
 .DEFAULT_GOAL := build
 
 # Debian packages; only when one is missing is root needed.
 deps:
 	@tools/install-deps
+
+deps-extra: deps
+	@tools/install-deps tools/packages-extra.txt
 
 build: deps
 	@cmake -S . -B $(BUILD) -G Ninja $(CMAKE_FLAGS) > $(BUILD).configure.log 2>&1 || { cat $(BUILD).configure.log; exit 1; }
@@ -32,7 +35,7 @@ sanitize:
 
 # Every fuzz target for FUZZ_SECONDS.
 FUZZ_SECONDS ?= 60
-fuzz: deps
+fuzz: deps-extra
 	@tools/fuzz $(FUZZ_SECONDS)
 
 bench: build
@@ -41,7 +44,7 @@ bench: build
 soak: build
 	@tools/soak $(BUILD)
 
-lint: build
+lint: deps-extra build
 	@git ls-files '*.cc' '*.h' | xargs clang-format --dry-run -Werror
 	@git ls-files 'toolkit/*.cc' 'restconf/*.cc' 'backend/*.cc' 'switchsim/*.cc' 'server/*.cc' 'tools/*.cc' \
 	    | xargs -P $(JOBS) -n 4 clang-tidy --quiet -p $(BUILD)

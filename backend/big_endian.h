@@ -3,8 +3,7 @@
 
 #include <cstdint>
 
-namespace backend
-{
+namespace backend {
 
 inline void putU32(std::uint8_t *out, std::uint32_t value)
 {

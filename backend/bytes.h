@@ -5,8 +5,7 @@
 #include <span>
 #include <vector>
 
-namespace backend
-{
+namespace backend {
 
 using Bytes = std::vector<std::uint8_t>;
 using BytesView = std::span<const std::uint8_t>;

@@ -7,13 +7,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <mutex>
 #include <new>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 std::mutex transportMutex;
 std::shared_ptr<Transport> transportInUse; // guarded by transportMutex
@@ -24,6 +23,16 @@ std::shared_ptr<Transport> currentTransport()
     const std::lock_guard lock(transportMutex);
     return transportInUse;
 }
+
+// A request may hold a secret, which does not stay behind in memory.
+struct Wipe {
+    Bytes &bytes;
+    ~Wipe()
+    {
+        if (!bytes.empty())
+            explicit_bzero(bytes.data(), bytes.size());
+    }
+};
 
 bool packRequest(const RequestHead &head, ProtobufCMessage &request, Bytes &out)
 {
@@ -55,6 +64,7 @@ ProtobufCMessage *exchange(const RequestHead &head, ProtobufCMessage &request,
                            const ProtobufCMessageDescriptor &answer)
 try {
     Bytes bytes;
+    const Wipe wipe{bytes};
     const auto transport = currentTransport();
     if (!transport || !packRequest(head, request, bytes))
         return nullptr;

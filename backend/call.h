@@ -12,11 +12,11 @@
 #pragma once
 
 #include "backend/envelope.h"
+#include "backend/proto/common.pb-c.h"
 
 #include <protobuf-c/protobuf-c.h>
 
-namespace backend
-{
+namespace backend {
 
 // Packs the request, sends it, waits, and unpacks the answer. The caller frees it. Null: a delivery
 // failure, whatever its reason.
@@ -48,6 +48,21 @@ int apply(const char *call, Record *request, const ProtobufCMessageDescriptor &d
     else if (got != nullptr)
         protobuf_c_message_free_unpacked(&got->base, nullptr);
     return result;
+}
+
+// The same for functions that also tell a refusal by their result: the answer's ui_err, with the answer
+// there.
+template <class Record>
+int applyAndRead(const char *call, Record *request, CommonResp **answer)
+{
+    CommonResp *got = nullptr;
+    const int result = apply(call, request, common_resp__descriptor, &got);
+    const int refusal = got == nullptr ? 0 : got->ui_err;
+    if (answer != nullptr)
+        *answer = got;
+    else if (got != nullptr)
+        common_resp__free_unpacked(got, nullptr);
+    return result != 0 ? result : refusal;
 }
 
 // For services that return a number. `failure` is what a delivery failure yields.

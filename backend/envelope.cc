@@ -4,10 +4,8 @@
 
 #include <algorithm>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 constexpr std::uint8_t kRequest = 1;
 constexpr std::uint8_t kAnswer = 2;

@@ -11,8 +11,7 @@
 #include <optional>
 #include <string_view>
 
-namespace backend
-{
+namespace backend {
 
 // More than any message of the switch; what is longer is refused on both sides.
 inline constexpr std::size_t kMaxMessage = 4U << 20;

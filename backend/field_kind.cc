@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <array>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 bool contains(std::string_view text, std::string_view part)
 {

@@ -7,8 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace backend
-{
+namespace backend {
 
 enum class FieldKind {
     plain,    // shown as it is

@@ -4,8 +4,7 @@
 
 #include <algorithm>
 
-namespace backend
-{
+namespace backend {
 
 void writeFrameHead(std::uint32_t id, std::size_t length, std::uint8_t *out)
 {

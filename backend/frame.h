@@ -11,8 +11,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace backend
-{
+namespace backend {
 
 // Not text, so that a peer can tell a frame from a line of text by its first byte.
 inline constexpr std::array<std::uint8_t, 4> kFrameMagic = {0xf5, 'D', 'M', 1};
@@ -28,8 +27,7 @@ struct Frame {
 void writeFrameHead(std::uint32_t id, std::size_t length, std::uint8_t *out);
 
 // Takes a stream apart. Memory grows with what has arrived, never with what a head announces.
-class FrameReader
-{
+class FrameReader {
 public:
     // Adds bytes as they arrived. False: the stream is no longer a row of frames and must be closed.
     bool feed(BytesView bytes);

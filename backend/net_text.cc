@@ -8,8 +8,7 @@
 
 #include <arpa/inet.h>
 
-namespace
-{
+namespace {
 
 // Takes a decimal number of at most `highest` off the front of a text.
 std::optional<std::uint32_t> takeNumber(std::string_view &text, std::uint32_t highest)

@@ -4,10 +4,8 @@
 
 #include <algorithm>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 std::size_t widthOf(ProtobufCType type)
 {

@@ -7,14 +7,12 @@
 
 #include <vector>
 
-namespace backend
-{
+namespace backend {
 
 // While it lives, a record is as it goes out: a number that is not zero counts as present even if its
 // presence word is 0, and a text that is protobuf_c_empty_string counts as absent (an empty text of the
 // caller's own is sent). The record is as before afterwards.
-class PackScope
-{
+class PackScope {
 public:
     explicit PackScope(ProtobufCMessage &message) { visit(message, 1); }
     ~PackScope();

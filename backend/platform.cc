@@ -122,8 +122,7 @@ const char *cfg_parser_get_err_str_from_err_code(int code)
     return isKnown ? texts[code] : "Unknown error";
 }
 
-namespace
-{
+namespace {
 
 std::mutex fileRootMutex;
 std::string fileRoot; // guarded by fileRootMutex

@@ -6,8 +6,7 @@
 #include <cstdio>
 #include <type_traits>
 
-namespace
-{
+namespace {
 
 // The request's entry is the first member of its storage.
 static_assert(std::is_standard_layout_v<PluginStorage> && offsetof(PluginStorage, entry) == 0);

@@ -13,7 +13,7 @@ extern "C" {
 #define PLUGIN_OP_SET "SET"
 #define PLUGIN_OP_DELETE "DELETE"
 #define PLUGIN_OP_GET_NEXT "GET_NEXT"
-#define PLUGIN_SUB_VALUE_SIZE 256
+#define PLUGIN_SUB_VALUE_SIZE 257
 
 // Storage of a request, owned by the caller, on the stack as a rule. It lives until the request was sent.
 typedef struct PluginStorage {
@@ -45,7 +45,7 @@ int ui_fe_plugin_update_kv_count(PluginConfig *request, const char *op, const ch
                                  int32_t count);
 
 // Fills one sub-entry, in any order; those that are left out are not sent. The key is borrowed, the value is
-// copied and cut at 255 bytes. 0: done; non-zero: there is no such sub-entry.
+// copied and cut at 256 bytes. 0: done; non-zero: there is no such sub-entry.
 int ui_fe_plugin_update_sub_kv(PluginConfig *request, size_t index, const char *key, const char *value);
 
 // Sends a request and waits; `flag` is 1 or 2. Null on a delivery failure; freed with

@@ -2,8 +2,7 @@
 
 #include "backend/call.h"
 
-namespace
-{
+namespace {
 
 struct AnswerRow {
     std::uint32_t messageCode;

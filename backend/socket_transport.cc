@@ -7,12 +7,10 @@
 
 #include <sys/socket.h>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
-constexpr std::size_t kReadSize = 16 * 1024;
+constexpr std::size_t kReadSize = 16U << 10;
 
 // Bytes or an end of file between two calls: the daemon went away, or spoke out of turn.
 bool isIdle(int fd)
@@ -22,8 +20,7 @@ bool isIdle(int fd)
     return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR);
 }
 
-class SocketTransport : public Transport
-{
+class SocketTransport : public Transport {
 public:
     explicit SocketTransport(const std::string &path)
         : path_(path)

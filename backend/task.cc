@@ -3,8 +3,7 @@
 #include "backend/call.h"
 #include "backend/proto/platform.pb-c.h"
 
-namespace
-{
+namespace {
 
 constexpr int kBadArgument = 22;
 constexpr int kUnreachable = 113;

@@ -8,15 +8,13 @@
 #include <optional>
 #include <string>
 
-namespace backend
-{
+namespace backend {
 
 using Deadline = std::chrono::steady_clock::time_point;
 
 // Carries one request at a time to the device. The bytes are those of backend/envelope.h, the same on
 // every transport.
-class Transport
-{
+class Transport {
 public:
     virtual ~Transport() = default;
 

@@ -12,10 +12,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 // Waits until `events` can be done on the socket. False: the deadline has passed.
 bool waitFor(int fd, short events, Deadline deadline)

@@ -6,12 +6,10 @@
 
 #include <string>
 
-namespace backend
-{
+namespace backend {
 
 // A file descriptor that closes itself.
-class Descriptor
-{
+class Descriptor {
 public:
     explicit Descriptor(int fd = -1)
         : fd_(fd)

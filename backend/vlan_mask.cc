@@ -4,8 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-namespace
-{
+namespace {
 
 constexpr std::uint32_t kVlans = VLAN_MASK_BYTES * 8;
 constexpr std::uint32_t kFirst = 1; // bit 0 stands for no VLAN

@@ -5,16 +5,13 @@
 #include <optional>
 #include <vector>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 enum WireType : unsigned { varint = 0, fixed64 = 1, delimited = 2, fixed32 = 5 };
 
 // Reads forward; every step says whether the bytes sufficed.
-class Cursor
-{
+class Cursor {
 public:
     explicit Cursor(BytesView bytes)
         : rest_(bytes)
@@ -48,8 +45,7 @@ private:
     BytesView rest_;
 };
 
-class Checker
-{
+class Checker {
 public:
     bool message(const ProtobufCMessageDescriptor &descriptor, BytesView bytes, unsigned depth)
     {

@@ -5,8 +5,7 @@
 
 #include <protobuf-c/protobuf-c.h>
 
-namespace backend
-{
+namespace backend {
 
 inline constexpr unsigned kMaxDepth = 16;              // nested records
 inline constexpr std::size_t kMaxUnpacked = 32U << 20; // bytes of memory that unpacking may take

@@ -11,6 +11,7 @@
 #include "server/worker.h"
 #include "toolkit/log.h"
 
+#include <algorithm>
 #include <array>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -21,10 +22,8 @@
 #include <thread>
 #include <vector>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 namespace net = boost::asio;
 using Clock = std::chrono::steady_clock;
@@ -32,6 +31,7 @@ using Clock = std::chrono::steady_clock;
 constexpr int kThreads = 2;
 constexpr std::size_t kWaitingCallbacks = 64, kWaitingHashes = 64;
 // Together below the second that a stop may take.
+constexpr std::chrono::milliseconds kGracePoll{10};
 constexpr std::chrono::milliseconds kGraceForAnswers{400}, kGraceForCallbacks{300};
 
 // The modules that the server serves by itself, whatever the bundle brings.
@@ -39,8 +39,7 @@ constexpr std::array kServerModules{"ietf-restconf", "ietf-restconf-monitoring"}
 
 // Everything that the front ends stand on, in an order in which destruction is safe: the host goes while the
 // device is still there, and the workers before the host that their jobs use.
-class Agent
-{
+class Agent {
 public:
     explicit Agent(const ServeOptions &options);
 
@@ -52,6 +51,7 @@ private:
     void announce() const;
     void awaitSignal();
     void beginStop();
+    void awaitEnd(Clock::time_point deadline);
     void serveOnThisThread();
     void finishStop();
 
@@ -142,8 +142,18 @@ void Agent::beginStop()
     log_info("agentd: stopping\n");
     for (const auto &frontEnd : frontEnds_)
         frontEnd->stop();
-    grace_.expires_after(kGraceForAnswers);
-    grace_.async_wait([this](const boost::system::error_code &) { io_.stop(); });
+    awaitEnd(Clock::now() + kGraceForAnswers);
+}
+
+// Lets the connections end by themselves, up to the deadline.
+void Agent::awaitEnd(Clock::time_point deadline)
+{
+    const bool haveEnded = std::all_of(frontEnds_.begin(), frontEnds_.end(),
+                                       [](const auto &frontEnd) { return frontEnd->hasEnded(); });
+    if (haveEnded || Clock::now() >= deadline)
+        return io_.stop();
+    grace_.expires_after(kGracePoll);
+    grace_.async_wait([this, deadline](const boost::system::error_code &) { awaitEnd(deadline); });
 }
 
 // Handlers catch what they expect; what still gets here costs one connection, not the server.

@@ -3,8 +3,7 @@
 
 #include "server/options.h"
 
-namespace agentd
-{
+namespace agentd {
 
 // Serves until SIGTERM or SIGINT. Returns the exit status: 0, or 1 after one line on standard error that
 // says why it could not start.

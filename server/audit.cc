@@ -12,10 +12,8 @@
 #include <system_error>
 #include <utility>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 std::string timeStamp()
 {
@@ -82,8 +80,7 @@ void Audit::record(const AuditEvent &event) noexcept
 void Audit::open()
 {
     handle_ = FileHandle(::open(file_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
-    struct stat status {
-    };
+    struct stat status { };
     if (!handle_ || ::fstat(handle_.get(), &status) != 0)
         throw std::system_error(errno, std::generic_category(), file_.string());
     size_ = static_cast<std::size_t>(status.st_size);

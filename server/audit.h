@@ -9,8 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace agentd
-{
+namespace agentd {
 
 // One line of the trail. No member ever holds a password, a body or a query.
 struct AuditEvent {
@@ -27,8 +26,7 @@ struct AuditEvent {
 // A name that is no user is left out, because people type passwords where the name belongs. Names and
 // requests are quoted and escaped, so that no client can forge a line. The file is kept below a limit: the
 // full one becomes audit.log.1.
-class Audit
-{
+class Audit {
 public:
     static constexpr std::size_t kDefaultLimit = std::size_t{8} << 20;
 

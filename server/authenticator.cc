@@ -8,10 +8,8 @@
 #include <memory>
 #include <utility>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 namespace net = boost::asio;
 

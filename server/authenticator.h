@@ -11,8 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace agentd
-{
+namespace agentd {
 
 struct Credentials {
     std::string name;
@@ -25,8 +24,7 @@ std::optional<Credentials> basicCredentials(std::string_view authorization);
 
 enum class Login { accepted, refused, busy };
 
-class Authenticator
-{
+class Authenticator {
 public:
     using Done = std::function<void(Login)>;
 

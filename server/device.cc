@@ -6,16 +6,13 @@
 
 #include <string_view>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 constexpr std::string_view kInProcess = "inproc", kSocketPrefix = "unix:";
 
 // The transport is the process's own; this takes it away again.
-class TransportDevice : public Device
-{
+class TransportDevice : public Device {
 public:
     explicit TransportDevice(std::shared_ptr<backend::Transport> transport)
     {
@@ -25,8 +22,7 @@ public:
     void interrupt() override { backend::setTransport(nullptr); }
 };
 
-class SimulatedDevice : public Device
-{
+class SimulatedDevice : public Device {
 public:
     explicit SimulatedDevice(const DeviceOptions &options)
     {

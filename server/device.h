@@ -7,8 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace agentd
-{
+namespace agentd {
 
 struct DeviceOptions {
     std::string where = "inproc";         // or "unix:PATH"
@@ -18,8 +17,7 @@ struct DeviceOptions {
 };
 
 // The way to the switch, for as long as it lives.
-class Device
-{
+class Device {
 public:
     virtual ~Device() = default;
     // From any thread: calls that wait for a daemon, and all later ones, end as delivery failures.

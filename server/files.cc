@@ -8,10 +8,8 @@
 #include <unistd.h>
 #include <utility>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 [[noreturn]] void fail(const std::string &what)
 {

@@ -5,12 +5,10 @@
 #include <string>
 #include <string_view>
 
-namespace agentd
-{
+namespace agentd {
 
 // An open file descriptor that closes itself; -1: none.
-class FileHandle
-{
+class FileHandle {
 public:
     explicit FileHandle(int descriptor = -1)
         : descriptor_(descriptor)

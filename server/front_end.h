@@ -10,8 +10,7 @@
 #include <filesystem>
 #include <string>
 
-namespace agentd
-{
+namespace agentd {
 
 // Outlives the front ends.
 struct Services {
@@ -24,13 +23,13 @@ struct Services {
     std::filesystem::path stateDir;
 };
 
-class FrontEnd
-{
+class FrontEnd {
 public:
     virtual ~FrontEnd() = default;
     virtual std::string address() const = 0; // as the ready line shows it
     virtual void start() = 0;                // serves from now on
-    virtual void stop() = 0; // from any thread: takes no more work, and lets what is under way end
+    virtual void stop() = 0;           // from any thread: takes no more work, and lets what is under way end
+    virtual bool hasEnded() const = 0; // after stop(): nothing is under way any more
 };
 
 } // namespace agentd

@@ -8,10 +8,8 @@
 #include <stdexcept>
 #include <utility>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 namespace net = boost::asio;
 using tcp = net::ip::tcp;

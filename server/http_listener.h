@@ -12,8 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace agentd
-{
+namespace agentd {
 
 // HOST:PORT as options and the ready line spell it; an IPv6 address stands in brackets.
 struct Endpoint {
@@ -29,8 +28,7 @@ boost::asio::ip::tcp::acceptor listenAt(boost::asio::io_context &io, const Endpo
 // HOST:PORT of what the acceptor is bound to.
 std::string boundAddress(const boost::asio::ip::tcp::acceptor &acceptor);
 
-class HttpListener
-{
+class HttpListener {
 public:
     HttpListener(boost::asio::io_context &io, boost::asio::ip::tcp::acceptor acceptor,
                  HttpEnvironment &environment);

@@ -8,8 +8,7 @@
 #include <functional>
 #include <string>
 
-namespace agentd
-{
+namespace agentd {
 
 using HttpMessage = boost::beast::http::request<boost::beast::http::string_body>;
 using HttpResponse = boost::beast::http::response<boost::beast::http::string_body>;
@@ -31,8 +30,7 @@ enum class HttpFault {
     tooManyLogins,
 };
 
-class HttpService
-{
+class HttpService {
 public:
     using Reply = std::function<void(HttpResponse)>;
     virtual ~HttpService() = default;

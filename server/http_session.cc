@@ -10,10 +10,8 @@
 #include <ctime>
 #include <utility>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 namespace net = boost::asio;
 namespace beast = boost::beast;
@@ -111,6 +109,7 @@ void HttpSession::awaitRequest()
         return shutDown();
     if (buffer_.size() > 0)
         return readHeader();
+    parser_.reset(); // an idle connection holds no more than it must
     buffer_.shrink_to_fit();
     isIdle_ = true;
     allow(isKnown_ ? environment_.limits.idle : environment_.limits.idleStranger);
@@ -129,6 +128,7 @@ void HttpSession::onFirstBytes(Error error, std::size_t count)
 
 void HttpSession::readHeader()
 {
+    user_.clear();
     parser_.emplace();
     parser_->header_limit(static_cast<std::uint32_t>(environment_.limits.headerBytes));
     parser_->body_limit(environment_.limits.bodyBytes);

@@ -14,8 +14,7 @@
 #include <memory>
 #include <optional>
 
-namespace agentd
-{
+namespace agentd {
 
 // What the sessions of one listener share. Outlives them.
 struct HttpEnvironment {
@@ -27,8 +26,7 @@ struct HttpEnvironment {
 
 // Lives as long as one of its operations is under way. Requests that a client sends without waiting are
 // read one by one, so answers come in order. Everything runs on the strand of the socket.
-class HttpSession : public std::enable_shared_from_this<HttpSession>
-{
+class HttpSession : public std::enable_shared_from_this<HttpSession> {
 public:
     // `ended` is called once, when the session is destroyed.
     HttpSession(boost::asio::ip::tcp::socket &&socket, HttpEnvironment &environment,

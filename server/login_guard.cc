@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-namespace agentd
-{
+namespace agentd {
 
 std::optional<LoginGuard::Duration> LoginGuard::reserve(const std::string &address, Clock::time_point now)
 {

@@ -9,11 +9,9 @@
 #include <optional>
 #include <string>
 
-namespace agentd
-{
+namespace agentd {
 
-class LoginGuard
-{
+class LoginGuard {
 public:
     using Clock = std::chrono::steady_clock;
     using Duration = Clock::duration;

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 std::string tooDeep(unsigned deepest)
 {

@@ -6,8 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace agentd
-{
+namespace agentd {
 
 // The deepest YANG path has some fifteen levels.
 inline constexpr unsigned kDeepestDocument = 64;

@@ -5,10 +5,8 @@
 #include <CLI/CLI.hpp>
 #include <sstream>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 constexpr unsigned kLongestTimeout = 3600 * 1000; // ms
 

@@ -11,8 +11,7 @@
 #include <variant>
 #include <vector>
 
-namespace agentd
-{
+namespace agentd {
 
 // `agentd --state DIR ...`: serve.
 struct ServeOptions {

@@ -2,10 +2,8 @@
 
 #include <system_error>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 std::filesystem::path prefix()
 {

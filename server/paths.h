@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace agentd
-{
+namespace agentd {
 
 // ../lib/libapp_yang_agent.so as seen from the executable: one library holds all bundles.
 std::filesystem::path bundleLibrary();

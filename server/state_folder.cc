@@ -5,8 +5,7 @@
 #include <sys/stat.h>
 #include <system_error>
 
-namespace agentd
-{
+namespace agentd {
 
 void makeStateFolder(const std::filesystem::path &stateDir)
 {

@@ -7,8 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace agentd
-{
+namespace agentd {
 
 // Makes the folder (mode 0700) where it is missing. Throws std::system_error naming it.
 void makeStateFolder(const std::filesystem::path &stateDir);

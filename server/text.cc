@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 bool isLetter(char c)
 {

@@ -5,8 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace agentd
-{
+namespace agentd {
 
 // A YANG identifier: a letter or "_", then letters, digits, "_", "-" and ".".
 bool isIdentifier(std::string_view text);

@@ -15,10 +15,8 @@
 #include <set>
 #include <unistd.h>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 namespace ssl = boost::asio::ssl;
 
@@ -188,8 +186,10 @@ ssl::context serverContext(const std::filesystem::path &stateDir)
     ssl::context context(ssl::context::tls_server);
     if (::SSL_CTX_set_min_proto_version(context.native_handle(), TLS1_2_VERSION) != 1)
         fail("TLS 1.2 is not available");
-    // Idle connections keep no buffers, and nobody makes the server negotiate again and again.
+    // Idle connections keep no buffers, past ones no session (tickets do for that), and nobody makes the
+    // server negotiate again and again.
     ::SSL_CTX_set_mode(context.native_handle(), SSL_MODE_RELEASE_BUFFERS);
+    ::SSL_CTX_set_session_cache_mode(context.native_handle(), SSL_SESS_CACHE_OFF);
     ::SSL_CTX_set_options(context.native_handle(), SSL_OP_NO_RENEGOTIATION | SSL_OP_NO_COMPRESSION);
     const auto use = [](const std::filesystem::path &file, auto &&load) {
         boost::system::error_code error;

@@ -6,11 +6,9 @@
 #include <stdexcept>
 #include <string>
 
-namespace agentd
-{
+namespace agentd {
 
-class TlsError : public std::runtime_error
-{
+class TlsError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };

@@ -9,14 +9,11 @@
 #include <termios.h>
 #include <unistd.h>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 // While it lives, a terminal on standard input doesn't show what is typed.
-class QuietTerminal
-{
+class QuietTerminal {
 public:
     QuietTerminal()
         : isTerminal_(::tcgetattr(STDIN_FILENO, &before_) == 0)

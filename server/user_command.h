@@ -5,8 +5,7 @@
 
 #include <iosfwd>
 
-namespace agentd
-{
+namespace agentd {
 
 // Carries it out, reading the password from `input`: the first line, its end aside. Returns the exit status,
 // after one line on `errors` if it isn't 0.

@@ -9,8 +9,7 @@
 #include <sys/stat.h>
 #include <system_error>
 
-namespace agentd
-{
+namespace agentd {
 
 Users::Users(std::filesystem::path stateDir)
     : stateDir_(std::move(stateDir))
@@ -74,8 +73,7 @@ bool Users::FileVersion::operator==(const FileVersion &other) const
 
 Users::FileVersion Users::currentVersion() const
 {
-    struct stat status {
-    };
+    struct stat status { };
     if (::stat(usersFileOf(stateDir_).c_str(), &status) != 0)
         return {};
     return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size), status.st_mtim};

@@ -13,13 +13,11 @@
 #include <string>
 #include <string_view>
 
-namespace agentd
-{
+namespace agentd {
 
 // Follows the file DIR/users: a change of it counts from the next question on. A file that became damaged
 // is reported in the log, and the users known before stay. Members may be called from any thread.
-class Users
-{
+class Users {
 public:
     // Throws UsersError if the file is damaged or unreadable.
     explicit Users(std::filesystem::path stateDir);

@@ -10,10 +10,8 @@
 #include <openssl/rand.h>
 #include <system_error>
 
-namespace agentd
-{
-namespace
-{
+namespace agentd {
+namespace {
 
 constexpr char kYescrypt[] = "$y$";
 constexpr std::size_t kLongestName = 32;

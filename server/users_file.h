@@ -8,12 +8,10 @@
 #include <string>
 #include <string_view>
 
-namespace agentd
-{
+namespace agentd {
 
 // What is wrong, in one line for the person at the terminal.
-class UsersError : public std::runtime_error
-{
+class UsersError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };

@@ -6,8 +6,7 @@
 #include <exception>
 #include <utility>
 
-namespace agentd
-{
+namespace agentd {
 
 Worker::Worker(std::size_t limit)
     : limit_(limit)

@@ -9,13 +9,11 @@
 #include <mutex>
 #include <thread>
 
-namespace agentd
-{
+namespace agentd {
 
 // Work that may block for long (callbacks that wait for a daemon, password hashes) runs here, so that the
 // threads that serve connections never wait.
-class Worker
-{
+class Worker {
 public:
     using Job = std::function<void()>;
 

@@ -1,10 +1,8 @@
 #include "switchsim/calls.h"
 
 #include <algorithm>
-#include <cstring>
 
-namespace switchsim
-{
+namespace switchsim {
 
 void Answering::refuse(std::string_view text, std::int32_t uiErr, std::int32_t appErr)
 {
@@ -32,8 +30,7 @@ Call &Call::quiet()
     return *this;
 }
 
-namespace
-{
+namespace {
 
 const ProtobufCFieldDescriptor *replyField(const ProtobufCMessageDescriptor &answer)
 {
@@ -50,8 +47,8 @@ CommonResp *attachReply(ProtobufCMessage &answer, CommonResp &reply)
     const auto *field = replyField(*answer.descriptor);
     if (field == nullptr)
         return nullptr;
-    auto *pointer = &reply;
-    std::memcpy(reinterpret_cast<unsigned char *>(&answer) + field->offset, &pointer, sizeof(pointer));
+    void *member = reinterpret_cast<unsigned char *>(&answer) + field->offset;
+    *static_cast<CommonResp **>(member) = &reply;
     return &reply;
 }
 

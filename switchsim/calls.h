@@ -14,12 +14,10 @@
 #include <string_view>
 #include <vector>
 
-namespace switchsim
-{
+namespace switchsim {
 
 // What a handler has at hand besides its request and its answer. Lives until the answer is packed.
-class Answering
-{
+class Answering {
 public:
     Answering(const backend::RequestHead &head, CommonResp *reply)
         : head_(head)
@@ -77,8 +75,7 @@ struct Call {
 CommonResp *attachReply(ProtobufCMessage &answer, CommonResp &reply);
 bool hasReply(const Call &call);
 
-class CallTable
-{
+class CallTable {
 public:
     // Registers a call. `handle` takes (const Request &, Answer &, Answering &); its answer is
     // initialised, with a reply of success hung in.

@@ -4,10 +4,8 @@
 #include <limits>
 #include <stdexcept>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using Send = std::function<bool(const std::string &)>;
 

@@ -17,11 +17,10 @@
 #include <functional>
 #include <string>
 
-namespace switchsim
-{
+namespace switchsim {
 
 // Longer lines are refused.
-inline constexpr std::size_t kMaxControlLine = 64 * 1024;
+inline constexpr std::size_t kMaxControlLine = 64U << 10;
 
 // Carries out one line. `send` takes a line without its end and says whether the client is still there;
 // `isAlive` says the same without sending. Returns false when the client is gone.

@@ -4,10 +4,8 @@
 #include <array>
 #include <utility>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 constexpr std::array<std::pair<std::string_view, FaultKind>, 4> kKinds = {{
     {"null", FaultKind::null},

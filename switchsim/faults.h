@@ -9,8 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace switchsim
-{
+namespace switchsim {
 
 enum class FaultKind {
     null,   // no answer: a delivery failure
@@ -34,8 +33,7 @@ struct Fault {
 std::optional<FaultKind> asFaultKind(std::string_view word);
 Json asJson(const Fault &fault);
 
-class Faults
-{
+class Faults {
 public:
     void add(Fault fault) { faults_.push_back(std::move(fault)); }
     void clear() { faults_.clear(); }

@@ -4,10 +4,8 @@
 #include <algorithm>
 #include <string>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 constexpr std::int32_t kCreate = 1;
 constexpr std::int32_t kDelete = 3;
@@ -20,8 +18,7 @@ bool isProfileName(std::string_view name)
         std::all_of(name.begin(), name.end(), isWordCharacter);
 }
 
-class ForwardingProfile : public Family
-{
+class ForwardingProfile : public Family {
 public:
     explicit ForwardingProfile(Device &device)
         : device_(device)

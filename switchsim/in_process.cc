@@ -7,16 +7,13 @@
 #include <optional>
 #include <shared_mutex>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using backend::Deadline;
 
 // Runs the request on the caller's thread: no copy, no switch of threads.
-class LocalTransport : public backend::Transport
-{
+class LocalTransport : public backend::Transport {
 public:
     explicit LocalTransport(Simulator &simulator)
         : simulator_(simulator)
@@ -41,8 +38,7 @@ public:
     }
 
 private:
-    class Patience : public Caller
-    {
+    class Patience : public Caller {
     public:
         Patience(LocalTransport &transport, Deadline deadline)
             : transport_(transport)
@@ -81,8 +77,7 @@ private:
 
 } // namespace
 
-class InProcessSwitch::Impl
-{
+class InProcessSwitch::Impl {
 public:
     explicit Impl(const SwitchOptions &options)
         : transport(std::make_shared<LocalTransport>(simulator))

@@ -3,10 +3,8 @@
 #include "backend/field_kind.h"
 #include "backend/wire_check.h"
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 struct FreeMessage {
     void operator()(ProtobufCMessage *message) const { protobuf_c_message_free_unpacked(message, nullptr); }

@@ -13,8 +13,7 @@
 #include <optional>
 #include <vector>
 
-namespace switchsim
-{
+namespace switchsim {
 
 // A line keeps the bytes as they travelled; it is turned into JSON only when somebody reads it.
 struct JournalLine {
@@ -30,8 +29,7 @@ struct JournalLine {
 // {"seq", "call", "request", "answer"}
 Json asJson(const JournalLine &line);
 
-class Journal
-{
+class Journal {
 public:
     static constexpr std::size_t kMaxLines = 10'000;
     static constexpr std::size_t kMaxBytes = 16U << 20;

@@ -9,10 +9,8 @@
 
 #include <arpa/inet.h>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using backend::FieldKind;
 
@@ -20,7 +18,7 @@ template <class T>
 T read(const void *member)
 {
     T value{};
-    std::memcpy(&value, member, sizeof(value));
+    std::memcpy(&value, member, sizeof(T));
     return value;
 }
 
@@ -44,7 +42,7 @@ std::string hexText(const ProtobufCBinaryData &bytes, const char *separator)
 
 std::string plainText(const ProtobufCBinaryData &bytes)
 {
-    const std::string text(reinterpret_cast<const char *>(bytes.data), bytes.len);
+    std::string text(reinterpret_cast<const char *>(bytes.data), bytes.len);
     for (const unsigned char c : text) {
         if (c < ' ' || c > '~')
             return hexText(bytes, "");
@@ -54,7 +52,7 @@ std::string plainText(const ProtobufCBinaryData &bytes)
 
 std::string maskText(const ProtobufCBinaryData &bytes)
 {
-    std::string text(5 * VLAN_MASK_BYTES * 8, '\0');
+    std::string text(std::size_t{5} * VLAN_MASK_BYTES * 8, '\0');
     text.resize(vlanmask_to_string(bytes.data, text.data(), text.size()));
     return text;
 }
@@ -127,7 +125,7 @@ Json valueAsJson(const ProtobufCFieldDescriptor &field, const void *member)
     case PROTOBUF_C_TYPE_BYTES:
         return bytesAsJson(read<ProtobufCBinaryData>(member), backend::kindOf(field));
     case PROTOBUF_C_TYPE_MESSAGE:
-        return asJson(*read<const ProtobufCMessage *>(member));
+        return asJson(*static_cast<const ProtobufCMessage *>(read<const void *>(member)));
     }
     return nullptr;
 }

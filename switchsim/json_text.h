@@ -4,8 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <protobuf-c/protobuf-c.h>
 
-namespace switchsim
-{
+namespace switchsim {
 
 using Json = nlohmann::ordered_json;
 

@@ -6,16 +6,13 @@
 #include <cstring>
 #include <map>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 constexpr std::size_t kEventsKept = 100;
 
 // The platform's values, shared memory, event log and configuration lock.
-class Platform : public Family
-{
+class Platform : public Family {
 public:
     explicit Platform(Device &device)
         : device_(device)
@@ -63,7 +60,7 @@ public:
     Json show() const override
     {
         Json shared = Json::object();
-        for (const auto &[name, fields] : objects_) {
+        for (const auto &[name, fields] : objects()) {
             for (const auto &[field, content] : fields)
                 shared[name][field] =
                     content.size() == 1 ? Json(static_cast<unsigned>(content[0])) : Json(content.c_str());
@@ -91,18 +88,18 @@ private:
     // Handles count the objects from 1, in the order of their names.
     std::int32_t openObject(const ShmOpenRequest &request) const
     {
-        const auto found = objects_.find(request.name == nullptr ? "" : request.name);
-        return found == objects_.end()
-            ? 0
-            : static_cast<std::int32_t>(std::distance(objects_.begin(), found)) + 1;
+        const Objects all = objects();
+        const auto found = all.find(request.name == nullptr ? "" : request.name);
+        return found == all.end() ? 0 : static_cast<std::int32_t>(std::distance(all.begin(), found)) + 1;
     }
 
     void getField(const ShmGetRequest &request, ShmGetAnswer &answer, Answering &answering) const
     {
-        if (request.handle < 1 || static_cast<std::size_t>(request.handle) > objects_.size() ||
+        const Objects all = objects();
+        if (request.handle < 1 || static_cast<std::size_t>(request.handle) > all.size() ||
             request.field == nullptr)
             return;
-        const auto &fields = std::next(objects_.begin(), request.handle - 1)->second;
+        const auto &fields = std::next(all.begin(), request.handle - 1)->second;
         const auto found = fields.find(request.field);
         if (found == fields.end())
             return;
@@ -119,15 +116,20 @@ private:
     }
 
     using Fields = std::map<std::string, std::string, std::less<>>;
+    using Objects = std::map<std::string, Fields, std::less<>>;
+
+    Objects objects() const
+    {
+        const HostName &host = device_.hostName;
+        const std::string source(1, static_cast<char>(host.source));
+        return {
+            {"system_host_name", {{"hostname", fixedWidth(host.name, 255)}, {"hostname_source", source}}}};
+    }
 
     Device &device_;
     bool syslogStarted_ = false;
     std::uint32_t lockReleases_ = 0;
     Json events_ = Json::array(); // the newest ones
-    std::map<std::string, Fields, std::less<>> objects_ = {
-        {"system_host_name",
-         {{"hostname", fixedWidth("switch", 255)}, {"hostname_source", fixedWidth("\1", 1)}}},
-    };
 };
 
 } // namespace

@@ -5,10 +5,8 @@
 #include <array>
 #include <map>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 // Opcodes of a request.
 constexpr std::int32_t kSet = 1;
@@ -42,8 +40,7 @@ struct PortPower {
     }
 };
 
-class Poe : public Family
-{
+class Poe : public Family {
 public:
     explicit Poe(Device &device)
         : device_(device)

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 
-namespace switchsim
-{
+namespace switchsim {
 
 Ports::Ports()
 {
     for (unsigned number = 1; number <= kPortsOfUnit; number++)
-        ports_.push_back({"ethernet 1/1/" + std::to_string(number), number, true, {}});
+        ports_.push_back({{"ethernet 1/1/" + std::to_string(number), number, true, {}}, {}});
 }
 
 Port *Ports::find(std::string_view name)

@@ -7,18 +7,34 @@
 #include <string_view>
 #include <vector>
 
-namespace switchsim
-{
+namespace switchsim {
 
-struct Port {
+// What every interface has, whatever its kind.
+struct Interface {
     std::string name; // "ethernet 1/1/7"
     std::uint32_t ifindex = 0;
     bool isEnabled = true;
     std::optional<std::string> description;
 };
 
-class Ports
-{
+// The numbers are those of the messages; as it comes from the factory a port negotiates all.
+struct Link {
+    static constexpr std::int32_t kAutoSpeed = 1;
+    static constexpr std::int32_t kFull = 2;
+    static constexpr std::int32_t kAutoClock = 3;
+
+    std::int32_t speed = kAutoSpeed;
+    std::int32_t duplex = kFull;
+    std::int32_t clock = kAutoClock;
+    std::int32_t quadPort = 0;
+};
+
+struct Port : Interface {
+    Link link;
+    std::uint32_t traffic = 0; // packets since the start, see interfaces.cc
+};
+
+class Ports {
 public:
     static constexpr unsigned kPortsOfUnit = 24;
 

@@ -3,16 +3,13 @@
 
 #include <set>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 constexpr std::int32_t kProtect = 1;
 constexpr std::int32_t kUnprotect = 3;
 
-class ProtectedPorts : public Family
-{
+class ProtectedPorts : public Family {
 public:
     explicit ProtectedPorts(Device &device)
         : device_(device)

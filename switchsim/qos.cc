@@ -3,10 +3,8 @@
 
 #include <map>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 constexpr std::int32_t kSetJumbo = 1;
 constexpr std::int32_t kReadJumbo = 10;
@@ -15,8 +13,7 @@ constexpr std::int32_t kDisableMode = 3;
 constexpr std::int32_t kReadMode = 5;
 constexpr std::int32_t kTrustDscp = 2;
 
-class Jumbo : public Family
-{
+class Jumbo : public Family {
 public:
     std::string_view word() const override { return "jumbo"; }
 
@@ -45,8 +42,7 @@ private:
     bool isEnabled_ = false;
 };
 
-class TrustDscp : public Family
-{
+class TrustDscp : public Family {
 public:
     explicit TrustDscp(Device &device)
         : device_(device)

@@ -10,10 +10,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 struct FreeMessage {
     void operator()(ProtobufCMessage *message) const { protobuf_c_message_free_unpacked(message, nullptr); }
@@ -61,7 +59,14 @@ Simulator::Simulator(std::function<void()> die)
     : die_(std::move(die))
 {
     families_.push_back(makePlatform(device_));
+    families_.push_back(makeSystem(device_));
+    families_.push_back(makeAaa(device_));
     families_.push_back(makeInterfaces(device_));
+    families_.push_back(makeRoutedInterfaces(device_));
+    families_.push_back(makeLags(device_));
+    families_.push_back(makeVlans(device_));
+    families_.push_back(makeStaticMacs(device_));
+    families_.push_back(makeDhcpClient(device_));
     families_.push_back(makeJumbo(device_));
     families_.push_back(makeTrustDscp(device_));
     families_.push_back(makeStormControl(device_));

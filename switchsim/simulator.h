@@ -14,12 +14,10 @@
 #include <string>
 #include <vector>
 
-namespace switchsim
-{
+namespace switchsim {
 
 // Who waits for an answer.
-class Caller
-{
+class Caller {
 public:
     virtual ~Caller() = default;
 
@@ -28,8 +26,7 @@ public:
 };
 
 // All members may be called from any thread.
-class Simulator
-{
+class Simulator {
 public:
     // `die` ends the process, for the fault that asks for it; empty: that fault can't be added.
     explicit Simulator(std::function<void()> die = {});

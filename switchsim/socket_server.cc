@@ -17,10 +17,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using backend::Bytes;
 using backend::BytesView;
@@ -28,7 +26,7 @@ using backend::Deadline;
 using backend::Descriptor;
 using backend::Received;
 
-constexpr std::size_t kReadSize = 64 * 1024;
+constexpr std::size_t kReadSize = 64U << 10;
 constexpr std::chrono::seconds kSendTimeout{5}; // a client that doesn't read is dropped
 
 bool isHungUp(int fd, std::chrono::milliseconds time)
@@ -42,8 +40,7 @@ bool sendNow(int fd, BytesView bytes)
     return backend::sendAll(fd, bytes, std::chrono::steady_clock::now() + kSendTimeout);
 }
 
-class SocketCaller : public Caller
-{
+class SocketCaller : public Caller {
 public:
     explicit SocketCaller(int fd)
         : fd_(fd)
@@ -56,8 +53,7 @@ private:
 };
 
 // One connection, for as long as it lives; `first` is what has arrived already.
-class Peer
-{
+class Peer {
 public:
     Peer(Simulator &simulator, int fd)
         : simulator_(simulator)
@@ -144,8 +140,7 @@ std::runtime_error cannotListen(const std::string &path, const std::string &why)
 // Removes the socket of a switch that died. Anything else that has the name stays.
 void removeStale(const std::string &path)
 {
-    struct stat info {
-    };
+    struct stat info { };
     if (lstat(path.c_str(), &info) != 0)
         return;
     if (!S_ISSOCK(info.st_mode))

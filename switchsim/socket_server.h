@@ -10,13 +10,11 @@
 #include <string>
 #include <thread>
 
-namespace switchsim
-{
+namespace switchsim {
 
 enum class Serves { controlOnly, controlAndMessages };
 
-class SocketServer
-{
+class SocketServer {
 public:
     static constexpr std::size_t kMaxConnections = 64; // more are closed at once
 

@@ -5,10 +5,8 @@
 #include <array>
 #include <map>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 constexpr std::int32_t kAdd = 1;
 constexpr std::int32_t kRemove = 3;
@@ -20,8 +18,7 @@ struct Limit {
     bool isKbps;
 };
 
-class StormControl : public Family
-{
+class StormControl : public Family {
 public:
     explicit StormControl(Device &device)
         : device_(device)

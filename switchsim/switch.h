@@ -13,8 +13,7 @@
 #include <memory>
 #include <string>
 
-namespace switchsim
-{
+namespace switchsim {
 
 class Simulator;
 
@@ -23,8 +22,7 @@ struct SwitchOptions {
     int platformType = 1; // what get_platform_type answers; `switchctl set platform-type` changes it
 };
 
-class InProcessSwitch
-{
+class InProcessSwitch {
 public:
     explicit InProcessSwitch(const SwitchOptions &options);
     ~InProcessSwitch(); // closes the control socket and ends its threads; the transport answers no more

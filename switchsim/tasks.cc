@@ -1,16 +1,13 @@
 #include "backend/proto/platform.pb-c.h"
 #include "switchsim/family.h"
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 constexpr std::size_t kKept = 100;
 
 // Takes messages for the tasks of the device.
-class Tasks : public Family
-{
+class Tasks : public Family {
 public:
     std::string_view word() const override { return "tasks"; }
 

@@ -4,10 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 constexpr Value kAtStart[] = {
     {"platform-type", 1, 255, "hardware family; 3 has a rear module, 4 and 5 have forwarding profiles"},
@@ -17,6 +15,7 @@ constexpr Value kAtStart[] = {
     {"fips-cc-allow-aaa-server-any", 0, 1, "Common Criteria mode allows any AAA server"},
     {"dhcp-client-enabled", 0, 1, "the DHCP client is on"},
     {"dhcp-server-enabled", 0, 1, "the DHCP server is on"},
+    {"unplugged-port", 0, 24, "the port of the unit that has no cable; 0: all have one"},
     {"poe-budget", 370'000, 10'000'000, "milliwatts that the unit can give to its ports"},
     {"poe-draw", 6'400, 100'000, "milliwatts that the device on an enabled port takes"},
 };

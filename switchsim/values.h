@@ -7,8 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace switchsim
-{
+namespace switchsim {
 
 struct Value {
     std::string_view name;
@@ -17,8 +16,7 @@ struct Value {
     std::string_view meaning;
 };
 
-class Values
-{
+class Values {
 public:
     Values();
 

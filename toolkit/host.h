@@ -32,6 +32,9 @@ struct Error {
     std::string appTag;  // error-app-tag: a callback's status in decimal, or the schema's own tag
     std::string path;    // instance-identifier with module names as prefixes; empty: none
     std::string message;
+    // For error-info of NETCONF, where the tag has any.
+    std::string badElement = {}, badAttribute = {}, badNamespace = {};
+    std::optional<std::uint32_t> lockHolder = {}; // session that holds a lock, 0: none of NETCONF
 };
 
 // A request that failed: at least one record, the first of them decides the reply's status.
@@ -71,6 +74,7 @@ class Target {
 public:
     NodeKind kind() const;
     bool isConfig() const;               // a configuration node (the datastore itself counts as one)
+    bool mayHoldState() const; // by the schema: state stands at or below it
     const std::string &path() const;     // instance-identifier; "/" for the datastore
     std::vector<PathStep> steps() const; // every step with its module: what a Location header spells
 
@@ -119,12 +123,16 @@ struct EditRequest {
     Encoding encoding = Encoding::json;
     std::optional<Insert> insert;       // post and put into a list or leaf-list ordered by the user
     std::function<void()> precondition; // called under the edit's lock, throws to refuse (If-Match)
+    // Where there are Datastores: come back as soon as the edit is written, before it is safely on disk, so that
+    // edits that wait at the same time share the cost of that. EditOutcome::record says what to wait for.
+    bool saveLater = false;
 };
 
 struct EditOutcome {
     bool created = false;           // post always; put when the target was not there
     bool changed = false;           // running differs now
     std::optional<Target> resource; // post: what was created
+    std::uint64_t record = 0;       // for Datastores::whenSaved(), 0: nothing was written
 };
 
 // Version of running: changes with every committed edit. The tag also differs from one start to the next.
@@ -143,6 +151,7 @@ struct ModuleInfo {
     bool implemented = true;
     std::vector<std::string> features;
     std::vector<std::string> deviations; // names of the modules that deviate this one
+    bool isVersion1 = true;              // of the YANG language, else 1.1
 };
 
 class Host {
@@ -164,6 +173,8 @@ public:
     std::string contentId() const; // of yang-library: changes with the set of modules
     // The module's YANG text; an empty revision takes the one that is loaded. Nothing if unknown.
     std::optional<std::string> moduleText(const std::string &name, const std::string &revision) const;
+    // Every RPC of the modules served.
+    std::vector<PathStep> operations() const;
     // Resolves a path; throws Failure ("unknown-element", "invalid-value" for a bad key, and so on).
     Target resolve(const std::vector<PathStep> &steps) const;
     // State that the server itself provides below one of its own modules' top-level nodes: JSON text.

@@ -10,18 +10,17 @@
 #include <stdexcept>
 #include <string>
 
-namespace
-{
+namespace {
 
 using Json = nlohmann::ordered_json;
 
 constexpr int kRefused = 1; // the switch is not there, or said no
 constexpr int kUsage = 2;
+constexpr std::size_t kReadSize = 64U << 10;
 constexpr std::chrono::seconds kConnectTime{5};
 
 // A request to the switch; the objects of its answer go to `take`, up to the one that ends it.
-class Client
-{
+class Client {
 public:
     explicit Client(const std::string &path)
     {
@@ -59,7 +58,7 @@ private:
         std::size_t end = 0;
         while ((end = pending_.find('\n')) == std::string::npos) {
             backend::Bytes some;
-            if (backend::receiveSome(fd_.get(), 64 * 1024, some, backend::Deadline::max()) !=
+            if (backend::receiveSome(fd_.get(), kReadSize, some, backend::Deadline::max()) !=
                 backend::Received::data)
                 throw std::runtime_error("the switch went away");
             pending_.append(some.begin(), some.end());

@@ -20,7 +20,25 @@
         module, revision, nullptr, nullptr, nullptr, __LINE__ __VA_OPT__(, ) __VA_ARGS__                     \
     }
 
+DECLARE_UNIT(openconfig_interfaces);
+DECLARE_UNIT(openconfig_if_ethernet);
+DECLARE_UNIT(openconfig_if_aggregate);
+DECLARE_UNIT(openconfig_if_aggregate_aug);
+DECLARE_UNIT(lyn_openconfig_if_ethernet_aug);
+DECLARE_UNIT(openconfig_if_ip);
+DECLARE_UNIT(openconfig_vlan);
+DECLARE_UNIT(openconfig_network_instance);
+DECLARE_UNIT(lyn_openconfig_network_instance_aug);
 DECLARE_UNIT(lyn_openconfig_jumbo);
+DECLARE_UNIT(lyn_openconfig_system_aug);
+DECLARE_UNIT(lyn_openconfig_aaa_aug);
+DECLARE_UNIT(openconfig_aaa);
+DECLARE_UNIT(openconfig_system);
+DECLARE_UNIT(lyn_openconfig_if_poe_aug);
+DECLARE_UNIT(lyn_openconfig_protectedport);
+DECLARE_UNIT(lyn_openconfig_stormcontrol);
+DECLARE_UNIT(lyn_openconfig_if_trust_dscp_aug);
+DECLARE_UNIT(lyn_openconfig_forwarding_profile);
 
 namespace bundle {
 
@@ -29,24 +47,24 @@ namespace {
 // clang-format off
 constexpr UnitRow kUnits[] = {
     // module, revision, only on platforms with forwarding profiles, text of a failure
-    PENDING("openconfig-system", "2018-11-21"),
+    UNIT(openconfig_system, "openconfig-system", "2018-11-21"),
     PENDING("lyn-collectd", "2021-12-09"),
-    PENDING("openconfig-aaa", "2018-11-21"),
-    PENDING("lyn-openconfig-aaa-aug", "2019-09-04"),
-    PENDING("openconfig-interfaces", "2018-11-21"),
-    PENDING("openconfig-if-ethernet", "2023-09-25"),
-    PENDING("lyn-openconfig-if-ethernet-aug", "2019-11-12", false, FailureText::plainAsError),
-    PENDING("openconfig-if-aggregate", "2018-11-21"),
-    PENDING("openconfig-if-ip", "2018-11-21"),
+    UNIT(openconfig_aaa, "openconfig-aaa", "2018-11-21"),
+    UNIT(lyn_openconfig_aaa_aug, "lyn-openconfig-aaa-aug", "2019-09-04"),
+    UNIT(openconfig_interfaces, "openconfig-interfaces", "2018-11-21"),
+    UNIT(openconfig_if_ethernet, "openconfig-if-ethernet", "2023-09-25"),
+    UNIT(lyn_openconfig_if_ethernet_aug, "lyn-openconfig-if-ethernet-aug", "2019-11-12", false, FailureText::plainAsError),
+    UNIT(openconfig_if_aggregate, "openconfig-if-aggregate", "2018-11-21"),
+    UNIT(openconfig_if_ip, "openconfig-if-ip", "2018-11-21"),
     PENDING("openconfig-spanning-tree", "2018-11-21"),
-    PENDING("openconfig-vlan", "2018-11-21"),
+    UNIT(openconfig_vlan, "openconfig-vlan", "2018-11-21"),
     PENDING("openconfig-lldp", "2018-11-21"),
     PENDING("lyn-openconfig-lldp-aug", "2021-12-20"),
-    PENDING("lyn-openconfig-if-poe-aug", "2020-01-04"),
-    PENDING("openconfig-network-instance", "2018-11-21"),
+    UNIT(lyn_openconfig_if_poe_aug, "lyn-openconfig-if-poe-aug", "2020-01-04"),
+    UNIT(openconfig_network_instance, "openconfig-network-instance", "2018-11-21"),
     PENDING("openconfig-acl", "2018-11-21"),
     PENDING("openconfig-probes", "2018-11-21"),
-    PENDING("lyn-openconfig-protectedport", "2020-11-26"),
+    UNIT(lyn_openconfig_protectedport, "lyn-openconfig-protectedport", "2020-11-26"),
     PENDING("openconfig-relay-agent", "2018-11-21"),
     PENDING("lyn-openconfig-vlan-aug", "2021-11-15"),
     UNIT(lyn_openconfig_jumbo, "lyn-openconfig-jumbo", "2021-11-05"),
@@ -55,12 +73,12 @@ constexpr UnitRow kUnits[] = {
     PENDING("lyn-openconfig-dhcp-server", "2021-09-16"),
     PENDING("lyn-openconfig-dhcp-client", "2021-11-22"),
     PENDING("lyn-openconfig-dhcpv6-client", "2021-11-22"),
-    PENDING("openconfig-if-aggregate-aug", "2021-11-24"),
+    UNIT(openconfig_if_aggregate_aug, "openconfig-if-aggregate-aug", "2021-11-24"),
     PENDING("lyn-openconfig-if-dai-aug", "2021-12-27"),
     PENDING("lyn-openconfig-if-dhcp-snoop-aug", "2021-12-27"),
     PENDING("openconfig-platform", "2018-11-21"),
     PENDING("lyn-openconfig-stack", "2021-11-04"),
-    PENDING("lyn-openconfig-stormcontrol", "2021-10-28"),
+    UNIT(lyn_openconfig_stormcontrol, "lyn-openconfig-stormcontrol", "2021-10-28"),
     PENDING("lyn-igmp-mld-snooping", "2021-12-10", false, FailureText::named, "igmp_mld_snooping"),
     PENDING("lyn-openconfig-if-ndi-aug", "2021-12-27"),
     PENDING("lyn-openconfig-if-source-guard-aug", "2021-12-27"),
@@ -70,18 +88,18 @@ constexpr UnitRow kUnits[] = {
     PENDING("lyn-openconfig-spanning-tree-aug", "2018-11-21"),
     PENDING("lyn-openconfig-cli-template", "2022-02-01"),
     PENDING("lyn-openconfig-actions", "2022-02-04"),
-    PENDING("lyn-openconfig-if-trust-dscp-aug", "2022-03-10"),
+    UNIT(lyn_openconfig_if_trust_dscp_aug, "lyn-openconfig-if-trust-dscp-aug", "2022-03-10"),
     PENDING("lyn-openconfig-supportsave", "2022-02-22"),
-    PENDING("lyn-openconfig-system-aug", "2022-03-23", false, FailureText::named, "default-gateway"),
+    UNIT(lyn_openconfig_system_aug, "lyn-openconfig-system-aug", "2022-03-23", false, FailureText::named, "default-gateway"),
     PENDING("lyn-openconfig-archive", "2022-03-12", false, FailureText::named, "lyn_archive"),
     PENDING("lyn-openconfig-ping", "2022-07-05", false, FailureText::named, "lyn_ping"),
     PENDING("lyn-openconfig-traceroute", "2022-07-05", false, FailureText::named, "lyn_traceroute"),
     PENDING("lyn-openconfig-iproute", "2022-07-05", false, FailureText::named, "lyn_iproute"),
     PENDING("lyn-openconfig-management_config", "2022-09-09", false, FailureText::named, "lyn_management_config"),
-    PENDING("lyn-openconfig-network-instance-aug", "2022-08-23"),
+    UNIT(lyn_openconfig_network_instance_aug, "lyn-openconfig-network-instance-aug", "2022-08-23"),
     PENDING("lyn-openconfig-vlan-webauth-aug", nullptr, false, FailureText::named, "lyn_openconfig_webauth"),
     PENDING("lyn-openconfig-vxlan", "2022-10-19"),
-    PENDING("lyn-openconfig-forwarding-profile", "2022-11-30", true),
+    UNIT(lyn_openconfig_forwarding_profile, "lyn-openconfig-forwarding-profile", "2022-11-30", true),
     PENDING("lyn-openconfig-ippm", nullptr),
     PENDING("lyn-openconfig-watcher", nullptr),
 };

@@ -1,7 +1,6 @@
 #include "server/restconf/call.h"
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 namespace http = boost::beast::http;
 

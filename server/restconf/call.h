@@ -12,8 +12,7 @@
 #include <string>
 #include <string_view>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 struct Call {
     HttpRequest request;

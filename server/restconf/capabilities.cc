@@ -2,10 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 std::string restconfState()
 {

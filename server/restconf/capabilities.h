@@ -3,8 +3,7 @@
 
 #include "toolkit/host.h"
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 // Before the host is sealed: has it serve restconf-state.
 void provideCapabilities(tk::Host &host);

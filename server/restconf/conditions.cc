@@ -9,10 +9,8 @@
 #include <cstdint>
 #include <cstdio>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 using std::chrono::days;
 using std::chrono::hours;

@@ -14,8 +14,7 @@
 #include <string_view>
 #include <vector>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 using Seconds = std::chrono::sys_seconds;
 

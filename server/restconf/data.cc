@@ -8,10 +8,8 @@
 
 #include <pugixml.hpp>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 namespace http = boost::beast::http;
 

@@ -6,8 +6,7 @@
 
 #include <memory>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 using CallPointer = std::shared_ptr<Call>;
 

@@ -6,10 +6,8 @@
 #include <pugixml.hpp>
 #include <sstream>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 using Json = nlohmann::ordered_json;
 

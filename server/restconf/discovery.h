@@ -8,8 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 struct OperationName {
     std::string module;

@@ -9,10 +9,8 @@
 #include <set>
 #include <sstream>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 constexpr char kNamespace[] = "urn:ietf:params:xml:ns:yang:ietf-restconf";
 

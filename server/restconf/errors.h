@@ -10,13 +10,11 @@
 #include <utility>
 #include <vector>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 // A request that the RESTCONF front end refuses by itself. Made by the functions below only: no other code
 // spells an error-tag.
-class RequestError : public std::runtime_error
-{
+class RequestError : public std::runtime_error {
 public:
     using Fields = std::vector<std::pair<std::string, std::string>>;
     RequestError(unsigned status, std::string tag, std::string message, Fields fields = {});

@@ -6,17 +6,14 @@
 #include <algorithm>
 #include <string>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 constexpr unsigned kDeepest = 64; // names above one another; no model comes near
 
 // fields = path [ "(" fields ")" ] [ ";" fields ], path = name [ "/" path ]; like most clients, this takes
 // more behind a parenthesis too: "a(b);c".
-class Parser
-{
+class Parser {
 public:
     explicit Parser(std::string_view text)
         : text_(text)

@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 // "a;b/c(d;e)" as a tree in which each name stands once below its parent; a name that is asked for as a whole
 // and in part is there as a whole. Throws RequestError (400) saying where it stopped to understand.

@@ -2,8 +2,7 @@
 
 #include <utility>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 RestconfFrontEnd::RestconfFrontEnd(const Services &services, boost::asio::ip::tcp::acceptor acceptor,
                                    boost::asio::ssl::context tls)
@@ -29,6 +28,11 @@ void RestconfFrontEnd::start()
 void RestconfFrontEnd::stop()
 {
     listener_.stop();
+}
+
+bool RestconfFrontEnd::hasEnded() const
+{
+    return listener_.connections() == 0;
 }
 
 } // namespace agentd::restconf

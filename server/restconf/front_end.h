@@ -9,11 +9,9 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ssl/context.hpp>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
-class RestconfFrontEnd : public FrontEnd
-{
+class RestconfFrontEnd : public FrontEnd {
 public:
     // `acceptor` listens already; `tls` has key and certificate.
     RestconfFrontEnd(const Services &services, boost::asio::ip::tcp::acceptor acceptor,
@@ -22,6 +20,7 @@ public:
     std::string address() const override; // https://HOST:PORT
     void start() override;
     void stop() override;
+    bool hasEnded() const override;
 
 private:
     std::string address_;

@@ -5,10 +5,8 @@
 
 #include <utility>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 namespace http = boost::beast::http;
 

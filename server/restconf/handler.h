@@ -16,11 +16,9 @@
 #include <string>
 #include <vector>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
-class Handler : public HttpService
-{
+class Handler : public HttpService {
 public:
     // `callbacks` carries out what may wait for a daemon; everything else is answered on the calling thread.
     // The host has finished its start. All three outlive the handler and its calls.

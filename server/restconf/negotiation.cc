@@ -7,10 +7,8 @@
 #include <tuple>
 #include <vector>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 constexpr std::array kDataOffers{
     Offer{"application/yang-data+json", tk::Encoding::json},

@@ -7,8 +7,7 @@
 #include <span>
 #include <string_view>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 // A type that the server can answer in.
 struct Offer {

@@ -9,10 +9,8 @@
 #include <array>
 #include <charconv>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 constexpr unsigned kDeepest = 65535;
 

@@ -8,8 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 // What a request may be asked with.
 enum class QueryUse {

@@ -4,10 +4,8 @@
 
 #include <array>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 using boost::beast::http::verb;
 

@@ -8,8 +8,7 @@
 #include <optional>
 #include <string>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 enum class ResourceKind {
     hostMeta,

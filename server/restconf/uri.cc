@@ -5,10 +5,8 @@
 
 #include <algorithm>
 
-namespace agentd::restconf
-{
-namespace
-{
+namespace agentd::restconf {
+namespace {
 
 constexpr std::string_view kHostMeta = "/.well-known/host-meta";
 constexpr std::string_view kData = "data", kOperations = "operations",

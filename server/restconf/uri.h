@@ -9,8 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace agentd::restconf
-{
+namespace agentd::restconf {
 
 inline constexpr std::string_view kRoot = "/restconf";
 

@@ -96,14 +96,16 @@ class Agent:
             status = self.process.wait()
         self._reader.join(STOP_LIMIT)
         self.process.stdout.close()
+        assert "Sanitizer" not in self.log and "runtime error:" not in self.log, self.log
         return status
 
     def __enter__(self):
         return self.start()
 
     def __exit__(self, *_):
-        self.stop()
+        status = self.stop()
         self.remove()
+        assert status == 0
 
     def remove(self):
         if self._own:

@@ -5,6 +5,7 @@
 #include "toolkit/edit.h"
 #include "toolkit/log.h"
 
+#include <cstdlib>
 #include <cstring>
 
 namespace tk {
@@ -142,6 +143,10 @@ ModuleHandle *Context::load(const std::string &name, const char *revision,
         error_ = "module " + name + " comes after the schema was compiled";
         return nullptr;
     }
+    if (!hasFile(name)) {
+        error_ = "cannot find module " + name + " in the module folders";
+        return nullptr;
+    }
     std::vector<const char *> enabled;
     for (const auto &feature : features)
         enabled.push_back(feature.c_str());
@@ -149,8 +154,12 @@ ModuleHandle *Context::load(const std::string &name, const char *revision,
     clearErrors(ly());
     lys_module *module = ly_ctx_load_module(ly(), name.c_str(), revision, enabled.data());
     if (!module) {
-        error_ = "cannot load module " + name + (revision ? std::string("@") + revision : "") + ": " +
-            takeErrorLine(ly(), "not found");
+        error_ = "cannot load module " + name + (revision ? std::string("@") + revision : "") + ": "
+            + takeErrorLine(ly(), "not found");
+        // libyang gives up all modules that are not compiled yet together with the one that fails.
+        modules_.clear();
+        loadOrder_.clear();
+        failed_ = true;
         return nullptr;
     }
     clearErrors(ly());
@@ -158,6 +167,18 @@ ModuleHandle *Context::load(const std::string &name, const char *revision,
     auto &slot = modules_[name];
     slot = std::make_unique<ModuleHandle>(ModuleHandle{name, module});
     return slot.get();
+}
+
+bool Context::hasFile(const std::string &name) const
+{
+    if (ly_ctx_get_module_latest(ly(), name.c_str()))
+        return true;
+    char *path = nullptr;
+    LYS_INFORMAT format;
+    lys_search_localfile(ly_ctx_get_searchdirs(ly()), 0, name.c_str(), nullptr, &path, &format);
+    const bool found = path != nullptr;
+    std::free(path);
+    return found;
 }
 
 ModuleHandle *Context::find(const std::string &name, const char *revision) const
@@ -172,6 +193,8 @@ ModuleHandle *Context::find(const std::string &name, const char *revision) const
 
 void Context::compile()
 {
+    if (failed_)
+        throw StartFailure(error_);
     // Modules that only define identities are needed as soon as somebody writes one of them.
     std::uint32_t index = 0;
     std::vector<lys_module *> identities;

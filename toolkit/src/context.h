@@ -53,12 +53,15 @@ public:
     const std::vector<const lys_module *> &loadOrder() const { return loadOrder_; }
 
 private:
+    bool hasFile(const std::string &name) const;
+
     struct Free {
         void operator()(ly_ctx *context) const { ly_ctx_destroy(context); }
     };
     std::unique_ptr<ly_ctx, Free> context_;
     std::string error_;
     bool compiled_ = false;
+    bool failed_ = false; // a module did not load, and took the others with it
     std::unordered_map<std::string, std::unique_ptr<ModuleHandle>> modules_;
     std::vector<const lys_module *> loadOrder_;
     std::deque<std::unique_ptr<Object>> pending_;

@@ -59,6 +59,23 @@ bool removesOnly(Ask ask)
     return ask == Ask::del || ask == Ask::remove;
 }
 
+// Takes a node out of the edit, which must not keep hold of its first node.
+void takeOver(EditTree &edit, lyd_node *wanted)
+{
+    if (edit.tree.get() == wanted) {
+        static_cast<void>(edit.tree.release());
+        edit.tree.reset(wanted->next);
+    }
+    lyd_unlink_tree(wanted);
+}
+
+void tellAsMerge(ChangeNode &node)
+{
+    node.effective = node.told = Ask::merge;
+    for (const auto &child : node.children)
+        tellAsMerge(*child);
+}
+
 Failure missing(const lyd_node *wanted)
 {
     return dataMissing(instancePath(wanted), "There is no such data.");
@@ -70,6 +87,8 @@ void Editor::apply(EditTree &edit)
 {
     root_.effective = root_.told = edit.rootAsk;
     applyChildren(edit, edit.tree.get(), {nullptr, &root_, false}, edit.rootAsk);
+    if (edit.toldAsMerge)
+        tellAsMerge(root_);
 }
 
 void Editor::applyChildren(EditTree &edit, lyd_node *first, const Place &place, Ask ask)
@@ -126,7 +145,7 @@ void Editor::applyToExisting(EditTree &edit, lyd_node *wanted, lyd_node *existin
         return;
     }
     if (isLeafKind(existing->schema))
-        return changeLeaf(wanted, existing, place, ask, itself);
+        return changeLeaf(edit, wanted, existing, place, ask, itself);
     ChangeNode &change = place.change->add(existing->schema, existing, existing, ask, itself);
     change.moved = moved;
     applyChildren(edit, lyd_child(wanted), {existing, &change, false}, ask);
@@ -138,11 +157,12 @@ void Editor::applyToExisting(EditTree &edit, lyd_node *wanted, lyd_node *existin
         place.change->children.pop_back();
 }
 
-void Editor::changeLeaf(lyd_node *wanted, lyd_node *existing, const Place &place, Ask ask, bool itself)
+void Editor::changeLeaf(EditTree &edit, lyd_node *wanted, lyd_node *existing, const Place &place, Ask ask,
+                        bool itself)
 {
     if (sameValue(wanted, existing))
         return;
-    lyd_unlink_tree(wanted);
+    takeOver(edit, wanted);
     changes_.remove(existing);
     changes_.insert(place.parent, wanted);
     place.change->add(wanted->schema, existing, wanted, ask, itself);
@@ -185,8 +205,9 @@ void Editor::insertMoved(EditTree &edit, lyd_node *wanted, const Place &place, A
     lyd_node *previous = nullptr;
     bool first = false;
     if (isUserOrdered(wanted->schema)) {
-        if (const auto placed = edit.placements.find(wanted); placed != edit.placements.end()) {
-            previous = placeAfter(placed->second, nullptr, firstIn(changes_, place.parent), wanted->schema);
+        if (edit.placements.contains(wanted)) {
+            previous = placeAfter(settled(edit, wanted, place), nullptr, firstIn(changes_, place.parent),
+                                  wanted->schema);
             first = previous == nullptr;
         } else if (place.order) {
             previous = (*place.order)[wanted->schema];
@@ -195,7 +216,7 @@ void Editor::insertMoved(EditTree &edit, lyd_node *wanted, const Place &place, A
         if (place.order)
             (*place.order)[wanted->schema] = wanted;
     }
-    lyd_unlink_tree(wanted);
+    takeOver(edit, wanted);
     lyd_free_meta_siblings(wanted->meta);
     wanted->meta = nullptr;
     changes_.insert(place.parent, wanted, previous, first);
@@ -210,8 +231,9 @@ bool Editor::moveExisting(EditTree &edit, lyd_node *wanted, lyd_node *existing, 
     if (previous && previous->schema != existing->schema)
         previous = nullptr;
     lyd_node *target = previous;
-    if (const auto placed = edit.placements.find(wanted); placed != edit.placements.end())
-        target = placeAfter(placed->second, existing, firstIn(changes_, place.parent), existing->schema);
+    if (edit.placements.contains(wanted))
+        target = placeAfter(settled(edit, wanted, place), existing, firstIn(changes_, place.parent),
+                            existing->schema);
     else if (place.order)
         target = (*place.order)[existing->schema];
     if (place.order)
@@ -220,6 +242,21 @@ bool Editor::moveExisting(EditTree &edit, lyd_node *wanted, lyd_node *existing, 
         return false;
     changes_.move(existing, target);
     return true;
+}
+
+Placement Editor::settled(const EditTree &edit, const lyd_node *wanted, const Place &place) const
+{
+    const Placement &placement = edit.placements.at(wanted);
+    if (!placement.like)
+        return placement;
+    Placement found{placement.where, findInstance(firstIn(changes_, place.parent), placement.like.get())};
+    if (found.point)
+        return found;
+    if (edit.placesLoosely)
+        return {};
+    const char *attribute = wanted->schema->nodetype == LYS_LIST ? "key" : "value";
+    throw badAttribute(instancePath(wanted), wanted->schema->name, attribute,
+                       "There is no such instance to be placed at.", "missing-instance");
 }
 
 lyd_node *placeAfter(const Placement &placement, lyd_node *instance, lyd_node *firstSibling,

@@ -22,6 +22,8 @@ using Tree = std::unique_ptr<lyd_node, TreeFree>;
 struct Placement {
     InsertWhere where = InsertWhere::last;
     const lyd_node *point = nullptr; // an instance in the edited tree
+    // Instead of it a node with the same keys or value: the instance is looked for when it is needed.
+    std::shared_ptr<lyd_node> like = {};
 };
 
 // A tree of nodes with what is asked of them. A node without an entry of its own inherits from its parent.
@@ -31,6 +33,8 @@ struct EditTree {
     std::unordered_map<const lyd_node *, Ask> asks;
     bool nested = false; // asks stand inside other asks
     std::unordered_map<const lyd_node *, Placement> placements;
+    bool placesLoosely = false; // what cannot be placed goes to the end
+    bool toldAsMerge = false;   // callbacks hear of the difference as if the client had merged it
 };
 
 // One node of the difference. Nodes in which nothing differs have none. Inside something created or deleted
@@ -43,6 +47,7 @@ struct ChangeNode {
     Ask effective = Ask::none; // what was asked of the node or anything around it
     Ask told = Ask::none;      // the same, but the nearest entry around it cuts
     bool moved = false;
+    bool retold = false; // nothing need differ: another node's change tells it again
     std::vector<std::unique_ptr<ChangeNode>> children;
 
     bool isCreated() const { return !before && after; }
@@ -80,7 +85,9 @@ private:
                          bool itself);
     void applyToMissing(EditTree &edit, lyd_node *wanted, const Place &place, Ask ask, bool itself);
     void intoMissingContainer(EditTree &edit, lyd_node *wanted, const Place &place, Ask ask, bool itself);
-    void changeLeaf(lyd_node *wanted, lyd_node *existing, const Place &place, Ask ask, bool itself);
+    void changeLeaf(EditTree &edit, lyd_node *wanted, lyd_node *existing, const Place &place, Ask ask,
+                    bool itself);
+    Placement settled(const EditTree &edit, const lyd_node *wanted, const Place &place) const;
     bool moveExisting(EditTree &edit, lyd_node *wanted, lyd_node *existing, const Place &place);
     void insertMoved(EditTree &edit, lyd_node *wanted, const Place &place, Ask ask, bool itself);
     void removeAbsent(lyd_node *wantedFirst, const Place &place, Ask ask);

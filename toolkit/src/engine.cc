@@ -35,21 +35,27 @@ Engine::~Engine()
     lyd_free_all(running_);
 }
 
-bool Engine::edit(const std::function<void(Editor &, lyd_node *root)> &change)
+bool Engine::edit(const std::function<void(Editor &, lyd_node *root)> &change, EditWatch *watch, EditMode mode)
 {
     const auto turn = takeTurn();
     Changes changes(&running_);
     ChangeNode root;
     Plan plan;
+    bool isWatched = false;
     {
         const std::unique_lock lock(treeLock_);
         Editor editor(changes, root);
         try {
             change(editor, running_);
             Checker(index_, changes, editor, context_.ly()).run();
+            if (watch && !changes.empty())
+                watch->checked(root, running_);
+            isWatched = watch != nullptr && !changes.empty();
             plan = planEdit(root, changes);
         } catch (...) {
             changes.undo();
+            if (isWatched)
+                watch->failed();
             throw;
         }
         if (changes.empty())
@@ -57,38 +63,54 @@ bool Engine::edit(const std::function<void(Editor &, lyd_node *root)> &change)
         pending_ = &changes;
     }
     try {
-        run(plan);
+        run(plan, mode);
     } catch (...) {
-        const std::unique_lock lock(treeLock_);
-        pending_ = nullptr;
-        plan.clear();
-        changes.undo();
-        refreshCaches();
+        takeBack(changes, plan);
+        if (isWatched)
+            watch->failed();
         throw;
     }
     const bool differs = !root.children.empty();
-    const std::unique_lock lock(treeLock_);
-    pending_ = nullptr;
-    plan.clear();
-    changes.accept();
-    refreshCaches();
-    if (differs)
-        renewStamp();
+    if (mode == EditMode::testOnly) {
+        takeBack(changes, plan);
+        return differs;
+    }
+    {
+        const std::unique_lock lock(treeLock_);
+        pending_ = nullptr;
+        plan.clear();
+        changes.accept();
+        refreshCaches();
+        if (differs)
+            renewStamp();
+    }
+    if (isWatched)
+        watch->carriedOut();
     return differs;
 }
 
-bool Engine::run(Plan &plan)
+void Engine::takeBack(Changes &changes, Plan &plan)
+{
+    const std::unique_lock lock(treeLock_);
+    pending_ = nullptr;
+    plan.clear();
+    changes.undo();
+    refreshCaches();
+}
+
+void Engine::run(Plan &plan, EditMode mode)
 {
     std::vector<Told *> applied;
     for (const auto &told : plan)
         callOrThrow(*told, validate, applied);
+    if (mode == EditMode::testOnly)
+        return;
     for (Told *told : applyOrder(plan)) {
         callOrThrow(*told, apply, applied);
         applied.push_back(told);
     }
     for (const auto &told : plan)
         callOrThrow(*told, commit, applied);
-    return !plan.empty();
 }
 
 Status Engine::call(Told &told, EditPhase phase, RequestFrame &frame)
@@ -97,7 +119,7 @@ Status Engine::call(Told &told, EditPhase phase, RequestFrame &frame)
     frame.header.subject = &told;
     frame.transaction.told = &told;
     return told.info->edit(&frame.session, &frame.request, phase, told.op, told.newval.get(),
-                           told.curval.get());
+                           told.currentIn(phase));
 }
 
 void Engine::callOrThrow(Told &told, EditPhase phase, const std::vector<Told *> &applied)

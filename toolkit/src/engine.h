@@ -13,6 +13,21 @@
 
 namespace tk {
 
+// Who takes part in an edit of running without being told of nodes. Everything is called with the turn held.
+class EditWatch {
+public:
+    virtual ~EditWatch() = default;
+    // The edit changes something and passed all checks, and no callback was told yet. Throws to refuse it.
+    virtual void checked(const ChangeNode &root, const lyd_node *tree) = 0;
+    virtual void failed() {}  // after checked(): the edit was taken back
+    virtual void carriedOut() {}
+};
+
+enum class EditMode {
+    carryOut,
+    testOnly, // everything up to the `validate` calls, and then the edit is taken back
+};
+
 class Engine {
 public:
     Engine(const Context &context, const ConstraintIndex &index)
@@ -26,7 +41,8 @@ public:
 
     // Changes running and drives the callbacks. `change` is called with the tree locked; it throws Failure to
     // refuse. Returns whether running differs now. Throws Failure; running is then as it was.
-    bool edit(const std::function<void(Editor &, lyd_node *root)> &change);
+    bool edit(const std::function<void(Editor &, lyd_node *root)> &change, EditWatch *watch = nullptr,
+              EditMode mode = EditMode::carryOut);
     // Fills an empty running and drives `load`.
     void loadStartup(Tree data);
 
@@ -49,7 +65,8 @@ public:
     Status checkCache(Value **cache);
 
 private:
-    bool run(Plan &plan);
+    void run(Plan &plan, EditMode mode);
+    void takeBack(Changes &changes, Plan &plan);
     Status call(Told &told, EditPhase phase, RequestFrame &frame);
     void callOrThrow(Told &told, EditPhase phase, const std::vector<Told *> &applied);
     void rollBack(const std::vector<Told *> &applied, const Told *failed);

@@ -1,5 +1,7 @@
 #include "errors.h"
 
+#include "value.h"
+
 #include <cstring>
 
 namespace tk {
@@ -57,13 +59,26 @@ void clearErrors(const ly_ctx *context)
     ly_err_clean(const_cast<ly_ctx *>(context), nullptr);
 }
 
+namespace {
+
+// libyang quotes a value that it refuses; that of a secret leaf is not passed on.
+std::string messageOf(const ly_err_item &item, const std::string &fallback)
+{
+    const char *step = item.path ? std::strrchr(item.path, '/') : nullptr;
+    if (step && isSecretName(step))
+        return "The value is not allowed here.";
+    return item.msg ? item.msg : fallback;
+}
+
+} // namespace
+
 std::vector<Error> takeErrors(const ly_ctx *context, const std::string &fallback)
 {
     std::vector<Error> errors;
     for (const ly_err_item *item = ly_err_first(context); item; item = item->next)
         if (item->level == LY_LLERR)
             errors.push_back({kOk, tagOf(*item), item->apptag ? item->apptag : "", locationPath(item->path),
-                              item->msg ? item->msg : fallback});
+                              messageOf(*item, fallback)});
     clearErrors(context);
     if (errors.empty())
         errors.push_back({kOk, "operation-failed", "", "", fallback});
@@ -97,6 +112,32 @@ Failure unknownElement(const std::string &path, const std::string &message)
     return failure("unknown-element", path, message);
 }
 
+Failure unknownNamespace(const std::string &path, const std::string &element, const std::string &nameSpace)
+{
+    Failure made =
+        failure("unknown-namespace", path, "The namespace \"" + nameSpace + "\" is not served here.");
+    made.errors.front().badElement = element;
+    made.errors.front().badNamespace = nameSpace;
+    return made;
+}
+
+Failure unknownAttribute(const std::string &path, const std::string &element, const std::string &attribute)
+{
+    Failure made = failure("unknown-attribute", path, "The attribute \"" + attribute + "\" is not known.");
+    made.errors.front().badElement = element;
+    made.errors.front().badAttribute = attribute;
+    return made;
+}
+
+Failure badAttribute(const std::string &path, const std::string &element, const std::string &attribute,
+                     const std::string &message, const std::string &appTag)
+{
+    Failure made = failure("bad-attribute", path, message, appTag);
+    made.errors.front().badElement = element;
+    made.errors.front().badAttribute = attribute;
+    return made;
+}
+
 Failure missingElement(const std::string &path, const std::string &message)
 {
     return failure("missing-element", path, message);
@@ -125,6 +166,18 @@ Failure notSupported(const std::string &path, const std::string &message)
 Failure operationFailed(const std::string &path, const std::string &message, const std::string &appTag)
 {
     return failure("operation-failed", path, message, appTag);
+}
+
+Failure lockDenied(std::uint32_t holder, const std::string &message)
+{
+    Failure made = failure("lock-denied", {}, message);
+    made.errors.front().lockHolder = holder;
+    return made;
+}
+
+Failure inUse(const std::string &message)
+{
+    return failure("in-use", {}, message);
 }
 
 Error statusError(Status status, const std::string &path, const std::string &text)

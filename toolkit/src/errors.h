@@ -18,12 +18,18 @@ std::string takeErrorLine(const ly_ctx *context, const std::string &fallback);
 Failure dataMissing(const std::string &path, const std::string &message);
 Failure dataExists(const std::string &path);
 Failure unknownElement(const std::string &path, const std::string &message);
+Failure unknownNamespace(const std::string &path, const std::string &element, const std::string &nameSpace);
+Failure unknownAttribute(const std::string &path, const std::string &element, const std::string &attribute);
+Failure badAttribute(const std::string &path, const std::string &element, const std::string &attribute,
+                     const std::string &message, const std::string &appTag = {});
 Failure missingElement(const std::string &path, const std::string &message);
 Failure badElement(const std::string &path, const std::string &message);
 Failure invalidValue(const std::string &path, const std::string &message);
 Failure malformed(const std::string &message);
 Failure notSupported(const std::string &path, const std::string &message);
 Failure operationFailed(const std::string &path, const std::string &message, const std::string &appTag = {});
+Failure lockDenied(std::uint32_t holder, const std::string &message); // holder 0: no session
+Failure inUse(const std::string &message);
 // A status of a callback that recorded nothing, or a recorded text.
 Error statusError(Status status, const std::string &path, const std::string &text = {});
 

@@ -147,7 +147,16 @@ EditOutcome Host::Impl::edit(const EditRequest &request)
 {
     RestEdit edit(context.ly(), request);
     EditOutcome outcome;
-    outcome.changed = engine.edit([&edit](Editor &editor, lyd_node *root) { edit.apply(editor, root); });
+    const auto kept = keeper ? keeper->begin() : nullptr;
+    const auto change = [&](Editor &editor, lyd_node *root) {
+        if (kept)
+            kept->mayBegin();
+        edit.apply(editor, root);
+    };
+    outcome.changed = engine.edit(change, kept.get());
+    outcome.record = kept ? kept->record() : 0;
+    if (outcome.record && !request.saveLater)
+        keeper->awaitSaved(outcome.record);
     outcome.created = edit.created();
     outcome.resource = edit.resource(context);
     return outcome;
@@ -207,6 +216,7 @@ ModuleInfo describe(const lys_module *module)
                     module->implemented != 0,
                     enabledFeatures(module),
                     {}};
+    info.isVersion1 = !module->parsed || module->parsed->version < LYS_VERSION_1_1;
     LY_ARRAY_COUNT_TYPE i;
     LY_ARRAY_FOR(module->deviated_by, i)
     info.deviations.emplace_back(module->deviated_by[i]->name);
@@ -254,6 +264,16 @@ std::optional<std::string> Host::moduleText(const std::string &name, const std::
 Target Host::resolve(const std::vector<PathStep> &steps) const
 {
     return resolveTarget(impl_->context, steps);
+}
+
+std::vector<PathStep> Host::operations() const
+{
+    std::vector<PathStep> names;
+    std::uint32_t index = 0;
+    while (const lys_module *module = ly_ctx_get_module_iter(impl_->context.ly(), &index))
+        for (const lysc_node_action *rpc = module->compiled ? module->compiled->rpcs : nullptr; rpc; rpc = rpc->next)
+            names.push_back({module->name, rpc->name, {}, false});
+    return names;
 }
 
 void Host::addStateProvider(const std::string &module, std::function<std::string()> provider)

@@ -25,6 +25,21 @@ struct Answer {
     lyd_node *makeSteps(const Target::Node &target, std::size_t count);
 };
 
+// Keeps what RESTCONF edits changed, and says whether they may.
+class EditKeeper {
+public:
+    // One edit, from before it is applied until it is carried out or has failed.
+    class Edit : public EditWatch {
+    public:
+        virtual void mayBegin() = 0;                // called with the turn held, throws to refuse
+        virtual std::uint64_t record() const = 0; // that was written for it, 0: none
+    };
+
+    virtual ~EditKeeper() = default;
+    virtual std::unique_ptr<Edit> begin() = 0;
+    virtual void awaitSaved(std::uint64_t record) = 0; // throws if it is not saved
+};
+
 class Host::Impl {
 public:
     explicit Impl(const HostOptions &options);
@@ -39,6 +54,12 @@ public:
 
     EditOutcome edit(const EditRequest &request);
     std::optional<std::string> read(const ReadRequest &request);
+
+    // Adds the configuration of a target, as a reading has it, to an answer.
+    static void copyConfig(const Engine::Reading &reading, const Target::Node &target,
+                           const Selection &selection, unsigned depth, Answer &answer);
+    // The same for the target's state. The engine's turn must be held.
+    void addState(const Target::Node &target, const Selection &selection, Answer &answer);
 
     struct Bundle {
         std::string name;
@@ -58,6 +79,7 @@ public:
     std::vector<Bundle> bundles;
     std::vector<Provider> providers;
     std::string contentId;
+    EditKeeper *keeper = nullptr; // of RESTCONF edits; null: nobody keeps them
 
 private:
     std::optional<std::string> readDirectly(const ReadRequest &request);

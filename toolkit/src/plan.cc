@@ -1,7 +1,11 @@
 #include "plan.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstring>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace tk {
 
@@ -18,7 +22,7 @@ void expand(ChangeNode &node)
     if (!node.schema || !node.children.empty() || (node.before && node.after))
         return;
     lyd_node *tree = node.after ? node.after : node.before;
-    if (!(tree->schema->nodetype & LYD_NODE_INNER))
+    if (!tree || !(tree->schema->nodetype & LYD_NODE_INNER))
         return;
     for (lyd_node *child = lyd_child(tree); child; child = child->next)
         if (holdsAnything(child))
@@ -48,25 +52,67 @@ public:
     void visit(ChangeNode &node, Around around, bool mute)
     {
         expand(node);
-        std::stable_sort(node.children.begin(), node.children.end(), [](const auto &a, const auto &b) {
-            return infoOf(a->schema).order < infoOf(b->schema).order;
-        });
+        sortChildren(node);
         Around inside = around;
         if (node.schema) {
             const NodeInfo &info = infoOf(node.schema);
             if (!info.editBelow)
                 return;
-            if (info.edit && !mute)
-                tell(node, info, around);
             if (isEntry(node.schema))
                 inside = entryFate(node);
+            if (info.edit && !mute)
+                tell(node, info, around);
             mute = mute || ((info.options & wholeEntry) && inside == Around::replaced);
+            retellBeside(node, inside);
+            sortChildren(node);
         }
         for (auto &child : node.children)
             visit(*child, inside, mute);
     }
 
 private:
+    static void sortChildren(ChangeNode &node)
+    {
+        std::stable_sort(node.children.begin(), node.children.end(), [](const auto &a, const auto &b) {
+            return infoOf(a->schema).order < infoOf(b->schema).order;
+        });
+    }
+
+    // Marks what a change tells again in a node; unchanged nodes get a record. True when there is anything.
+    static bool markRetold(ChangeNode &node)
+    {
+        if (!node.before || !node.after)
+            return false; // what is new or gone is told anyway
+        bool any = (infoOf(node.schema).options & retold) && holdsAnything(node.after);
+        node.retold = any;
+        for (lyd_node *child = lyd_child(node.after); child; child = child->next) {
+            if (!infoOf(child->schema).editBelow)
+                continue;
+            const auto known = std::find_if(node.children.begin(), node.children.end(),
+                                            [child](const auto &one) { return one->after == child; });
+            if (known != node.children.end()) {
+                any |= markRetold(**known);
+                continue;
+            }
+            ChangeNode &same = node.add(child->schema, child, child, Ask::none, true);
+            if (markRetold(same))
+                any = true;
+            else
+                node.children.pop_back();
+        }
+        return any;
+    }
+
+    void retellBeside(ChangeNode &node, Around inside) const
+    {
+        const auto retellsHere = [&](const auto &child) {
+            const NodeInfo &info = infoOf(child->schema);
+            return (info.options & retellsSiblings) && opOf(*child, info, inside) != noOperation;
+        };
+        if (std::any_of(node.children.begin(), node.children.end(), retellsHere))
+            markRetold(node);
+    }
+
     static Around entryFate(const ChangeNode &node)
     {
         if (node.isCreated())
@@ -86,13 +132,34 @@ private:
         told->op = op;
         told->where = &node;
         told->position = static_cast<unsigned>(plan_.size());
+        if (op == replace && (info.options & beforeItsEntries))
+            leading_[&node] = told->position;
+        if (op == del)
+            told->behind = leaderOf(node);
+        if ((op == merge || op == replace) && (info.options & retells))
+            markRetold(node);
         giveValues(*told, node);
         if (op == merge || op == replace || op == create)
             collectChildEdits(*told, node);
         plan_.push_back(std::move(told));
     }
 
+    // The position of the node that a deletion inside it has to follow.
+    std::optional<unsigned> leaderOf(const ChangeNode &node) const
+    {
+        for (const ChangeNode *up = node.parent; up && !leading_.empty(); up = up->parent)
+            if (const auto found = leading_.find(up); found != leading_.end())
+                return found->second;
+        return std::nullopt;
+    }
+
     EditOp opOf(const ChangeNode &node, const NodeInfo &info, Around around) const
+    {
+        const EditOp op = opOfDifference(node, info, around);
+        return op == noOperation && node.retold ? merge : op;
+    }
+
+    EditOp opOfDifference(const ChangeNode &node, const NodeInfo &info, Around around) const
     {
         if (!isPlainContainer(node.schema))
             return opOfExisting(node);
@@ -170,18 +237,21 @@ private:
 
     void giveValues(Told &told, ChangeNode &node)
     {
-        told.newView = {nullptr, told.op};
-        told.curView = {changes_, told.op};
+        const bool defaults = told.has(withDefaults);
+        told.newView = {nullptr, told.op, defaults};
+        told.curView = {changes_, told.op, defaults};
         const bool created = told.op == create || told.op == load;
         if (told.op != del)
             told.newval = showNode(node.schema, node.after, &told.newView, nullptr);
         if (!created)
             told.curval = showNode(node.schema, node.before, &told.curView, nullptr);
+        if (told.op == merge && told.has(mergedCurrent))
+            told.mergedCurval = showNode(node.schema, node.after, &told.newView, nullptr);
         for (const ChangeNode *up = &node; up && up->schema; up = up->parent)
             if (up->schema->nodetype == LYS_LIST)
                 addKeys(told, *up);
         std::reverse(told.keys.begin(), told.keys.end());
-        for (Value *value : {told.newval.get(), told.curval.get()})
+        for (Value *value : {told.newval.get(), told.curval.get(), told.mergedCurval.get()})
             if (value)
                 value->pathKeys = &told.keys;
     }
@@ -221,21 +291,57 @@ private:
             value->pathKeys = &told.keys;
             return value;
         };
-        // A value that leaves a leaf-list stands in both, the new one marked `delete`.
-        const bool goneValue = leaf.isDeleted() && leaf.schema->nodetype == LYS_LEAFLIST;
+        // A value that leaves a leaf-list stands in both, the new one marked `delete`; so does a leaf where the
+        // row asks for it.
+        const bool stays = leaf.isDeleted() && told.op == merge && told.has(deletedLeafStays);
+        const bool goneValue = stays || (leaf.isDeleted() && leaf.schema->nodetype == LYS_LEAFLIST);
         if (leaf.after || goneValue)
             edit->newval = show(leaf.after ? leaf.after : leaf.before, told.newView);
         if (leaf.before)
             edit->curval = show(leaf.before, told.curView);
+        if (stays && leaf.parent == told.where)
+            addDeleted(*told.newval, show(leaf.before, told.newView));
         if (!told.childEdits.empty())
             told.childEdits.back()->next = edit.get();
         told.childEdits.push_back(std::move(edit));
     }
 
+    static void addDeleted(Value &parent, std::unique_ptr<Value> leaf)
+    {
+        parent.expand();
+        leaf->parent = &parent;
+        leaf->pathKeys = nullptr;
+        parent.children.push_back(std::move(leaf));
+    }
+
     const Changes *changes_;
     EditOp only_;
     Plan plan_;
+    std::unordered_map<const ChangeNode *, unsigned> leading_; // nodes that go before deletions in them
 };
+
+// Nodes that ask to be told before the rest, or to go after it, take those around them along.
+void markFirst(Plan &plan)
+{
+    std::unordered_set<const ChangeNode *> written, deleted;
+    for (const auto &told : plan)
+        if (told->has(toldFirst))
+            for (const ChangeNode *up = told->where; up; up = up->parent)
+                (told->op == del ? deleted : written).insert(up);
+    for (const auto &told : plan)
+        told->first = (told->op == del ? deleted : written).count(told->where) != 0;
+}
+
+// Where a call stands among the others: deletions first, the last one first.
+std::array<std::int64_t, 3> rankOf(const Told &told)
+{
+    const std::int64_t position = told.position;
+    if (told.op != del)
+        return {told.first ? 1 : 2, position, 0};
+    if (told.behind)
+        return {2, *told.behind, INT64_MAX - position};
+    return {told.first ? 3 : 0, -position, 0};
+}
 
 std::string keyPredicates(const lyd_node *entry)
 {
@@ -277,12 +383,8 @@ Plan planEdit(ChangeNode &root, const Changes &changes)
     Planner planner(&changes, noOperation);
     planner.visit(root, Planner::Around::nothing, false);
     Plan plan = planner.take();
-    std::stable_sort(plan.begin(), plan.end(), [](const auto &a, const auto &b) {
-        const bool aGoes = a->op == del, bGoes = b->op == del;
-        if (aGoes != bGoes)
-            return aGoes;
-        return aGoes ? a->position > b->position : a->position < b->position;
-    });
+    markFirst(plan);
+    std::sort(plan.begin(), plan.end(), [](const auto &a, const auto &b) { return rankOf(*a) < rankOf(*b); });
     return plan;
 }
 

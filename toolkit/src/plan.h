@@ -6,6 +6,7 @@
 #include "value.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace tk {
@@ -30,15 +31,22 @@ struct Told {
     const NodeInfo *info = nullptr;
     EditOp op = noOperation;
     const ChangeNode *where = nullptr;
-    unsigned position = 0; // in a walk from the top, parents first
+    unsigned position = 0;          // in a walk from the top, parents first
+    std::optional<unsigned> behind; // a deletion that follows the node of that position
+    bool first = false;             // goes before the rest, a deletion behind it
 
     ValueView newView, curView;
     std::unique_ptr<Value> newval, curval;
-    ValueList keys; // of all list entries down to and with this node, outermost first
+    std::unique_ptr<Value> mergedCurval; // with mergedCurrent: what stands for curval before a rollback
+    ValueList keys;                      // of all list entries down to and with this node, outermost first
     std::vector<std::unique_ptr<ChildEdit>> childEdits;
     bool applied = false;
 
     bool has(EditOption option) const { return (info->options & option) != 0; }
+    Value *currentIn(EditPhase phase) const
+    {
+        return mergedCurval && phase != rollback ? mergedCurval.get() : curval.get();
+    }
     std::string path() const;
 };
 

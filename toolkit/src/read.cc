@@ -96,6 +96,14 @@ std::optional<std::string> Host::Impl::read(const ReadRequest &request)
     return print(request, answer.root);
 }
 
+void Host::Impl::addState(const Target::Node &target, const Selection &selection, Answer &answer)
+{
+    if (!hasState(target))
+        return;
+    Retrieval(&answer.root, engine.read().root).run(target, selection, kUnlimited);
+    addProvided(target, selection, kUnlimited, answer);
+}
+
 bool Host::Impl::hasState(const Target::Node &target) const
 {
     if (target.steps.empty() || infoOf(target.schema()).getBelow)
@@ -127,7 +135,12 @@ std::optional<std::string> Host::Impl::readDirectly(const ReadRequest &request)
 void Host::Impl::copyRunning(const Target::Node &target, const Selection &selection, unsigned depth,
                              Answer &answer)
 {
-    const auto reading = engine.read();
+    copyConfig(engine.read(), target, selection, depth, answer);
+}
+
+void Host::Impl::copyConfig(const Engine::Reading &reading, const Target::Node &target,
+                            const Selection &selection, unsigned depth, Answer &answer)
+{
     if (target.steps.empty())
         return takeSiblings(siblingsOf(reading, nullptr), reading.before, selection, depth, answer);
     const std::size_t above = target.steps.size() - 1;

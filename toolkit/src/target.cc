@@ -179,6 +179,25 @@ bool Target::isConfig() const
     return node_->config;
 }
 
+namespace {
+
+bool holdsState(const lysc_node *node)
+{
+    if (!isConfigNode(node))
+        return true;
+    for (const lysc_node *child = lysc_node_child(node); child; child = child->next)
+        if (holdsState(child))
+            return true;
+    return false;
+}
+
+} // namespace
+
+bool Target::mayHoldState() const
+{
+    return !node_->schema() || holdsState(node_->schema());
+}
+
 const std::string &Target::path() const
 {
     return node_->path;

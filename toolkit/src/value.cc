@@ -4,6 +4,7 @@
 #include "toolkit/edit.h"
 #include "toolkit/log.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -161,14 +162,19 @@ const char *localText(const lyd_node *node)
     return colon ? colon + 1 : text;
 }
 
-bool isSecret(const lysc_node *schema)
+bool isSecretName(const char *name)
 {
-    static constexpr const char *words[] = {"password",  "secret", "passphrase",
-                                            "community", "passwd", "private-key"};
+    static constexpr const char *words[] = {"password", "secret",      "passphrase", "community",
+                                            "passwd",   "private-key", "key-value"};
     for (const char *word : words)
-        if (std::strstr(schema->name, word))
+        if (std::strstr(name, word))
             return true;
     return false;
+}
+
+bool isSecret(const lysc_node *schema)
+{
+    return isSecretName(schema->name);
 }
 
 std::unique_ptr<Value> showNode(const lysc_node *schema, const lyd_node *node, const ValueView *view,
@@ -191,19 +197,42 @@ void Value::expand()
     if (expanded || !view)
         return;
     expanded = true;
-    if (!node || !(schema->nodetype & LYD_NODE_INNER))
+    if (!(schema->nodetype & LYD_NODE_INNER))
         return;
     const auto show = [this](const lyd_node *child) {
         // Schema defaults and containers without content are not there for a callback.
         if (!(child->flags & LYD_DEFAULT) && child->schema)
             children.push_back(showNode(child->schema, child, view, this));
     };
-    if (view->before)
+    if (node && view->before)
         for (const lyd_node *child : view->before->childrenBefore(node))
             show(child);
     else
         for (const lyd_node *child = lyd_child(node); child; child = child->next)
             show(child);
+    if (view->withDefaults)
+        addDefaults();
+}
+
+// Defaults inside a case or below a when depend on more than this node and are left out.
+void Value::addDefaults()
+{
+    for (const lysc_node *child = nextDataChild(nullptr, schema); child;
+         child = nextDataChild(child, schema)) {
+        const auto *leaf = reinterpret_cast<const lysc_node_leaf *>(child);
+        if (child->nodetype != LYS_LEAF || !leaf->dflt || child->parent != schema || lysc_node_when(child))
+            continue;
+        if (std::any_of(children.begin(), children.end(),
+                        [child](const auto &set) { return set->schema == child; }))
+            continue;
+        Status refused = kOk;
+        auto value = makeLeaf(child, lyd_value_get_canonical(child->module->ctx, leaf->dflt), &refused);
+        if (!value)
+            continue;
+        value->parent = this;
+        value->op = view->op;
+        children.push_back(std::move(value));
+    }
 }
 
 namespace {
@@ -221,6 +250,20 @@ void setText(Value &value, const std::string &text, BaseType type)
     value.natural = std::strtoull(value.text, nullptr, 10);
 }
 
+// The prefixed name of an identity below another one, however far, or nothing.
+std::string derivedIdentity(const lysc_ident *base, const std::string &name)
+{
+    LY_ARRAY_COUNT_TYPE i;
+    LY_ARRAY_FOR(base->derived, i)
+    {
+        if (name == base->derived[i]->name)
+            return std::string(base->derived[i]->module->name) + ":" + name;
+        if (auto found = derivedIdentity(base->derived[i], name); !found.empty())
+            return found;
+    }
+    return {};
+}
+
 // The prefixed name of an identity that a leaf can take, or nothing: callbacks write them without a prefix.
 std::string qualifiedIdentity(const lysc_type *type, const std::string &name)
 {
@@ -236,12 +279,8 @@ std::string qualifiedIdentity(const lysc_type *type, const std::string &name)
         return {};
     const auto *bases = reinterpret_cast<const lysc_type_identityref *>(type)->bases;
     LY_ARRAY_FOR(bases, i)
-    {
-        LY_ARRAY_COUNT_TYPE k;
-        LY_ARRAY_FOR(bases[i]->derived, k)
-        if (name == bases[i]->derived[k]->name)
-            return std::string(bases[i]->derived[k]->module->name) + ":" + name;
-    }
+    if (auto found = derivedIdentity(bases[i], name); !found.empty())
+        return found;
     return {};
 }
 

@@ -15,6 +15,7 @@ namespace tk {
 struct ValueView {
     const Changes *before = nullptr; // null: as it is
     EditOp op = noOperation;         // what was asked of the node and what is below it
+    bool withDefaults = false;       // leaves that are not there show their schema default
 };
 
 struct Value {
@@ -41,6 +42,7 @@ struct Value {
     const std::vector<std::unique_ptr<Value>> *pathKeys = nullptr;
 
     void expand();
+    void addDefaults();
 };
 
 // A value that shows a node of the data tree, or an empty container when node is null. `view` must outlive
@@ -52,6 +54,8 @@ std::unique_ptr<Value> makeLeaf(const lysc_node *schema, const char *text, Statu
 
 // Whether a leaf's value must not be shown to people.
 bool isSecret(const lysc_node *schema);
+// The same by the leaf's name, or the end of a path that begins with it.
+bool isSecretName(const char *name);
 
 // Canonical text with an identity's prefix.
 const char *canonicalText(const lyd_node *node);

@@ -36,6 +36,10 @@ inline bool logsErrors()
 {
     return log_get_system_log_level() >= 1;
 }
+inline bool logsInfo()
+{
+    return log_get_system_log_level() >= 3;
+}
 inline bool logsDebug()
 {
     return log_get_system_log_level() > 7;

@@ -7,7 +7,8 @@
 
 namespace frame {
 
-// A leaf to be made. Each maker returns the new leaf, or null with the status kept here.
+// A leaf to be made. Each maker returns the new leaf, or null with the status kept here. A null without a status
+// means that the answer has nothing for the leaf.
 struct LeafMaker {
     const Object *object; // the leaf's own
     const char *module;
@@ -39,6 +40,8 @@ Status returnLeaves(GetBlock *get2cb, const char *module, const Answer &answer, 
                 continue;
             LeafMaker maker{child, module};
             Value *value = leaf.make(maker, answer);
+            if (!value && maker.status == kOk)
+                continue;
             if (!value)
                 return maker.status;
             if (const Status status = getcb_add_return_val(get2cb, value))

@@ -13,8 +13,7 @@ namespace frame {
 //   Owned<CommonResp, common_resp__free_unpacked> answer;
 //   const int result = ui_forwarding_profile_config_apply(&request, answer.slot());
 template <class Answer, auto freeAnswer>
-class Owned
-{
+class Owned {
 public:
     explicit Owned(Answer *answer = nullptr)
         : answer_(answer)

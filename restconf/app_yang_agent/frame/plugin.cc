@@ -1,25 +1,46 @@
 #include "frame/plugin.h"
 
-#include "frame/owned.h"
+#include <algorithm>
+#include <cstring>
 
 namespace frame {
 
-namespace {
+PluginChange::PluginChange(const char *plugin, std::size_t subEntries)
+{
+    ui_plugin_multi_config_init(&request_, &storage_, slots_, values_, std::min(subEntries, kMostSubEntries),
+                                plugin);
+}
 
-constexpr std::int32_t kSendFlag = 2;
+PluginChange::~PluginChange()
+{
+    explicit_bzero(values_, sizeof values_);
+}
 
-} // namespace
+void PluginChange::sub(std::size_t index, const char *key, const char *value)
+{
+    ui_fe_plugin_update_sub_kv(&request_, index, key, value);
+}
 
-Status changePlugin(const EditCall &call, const char *plugin, const char *word, const char *key,
-                    const char *value, int line)
+PluginAnswer PluginChange::send(const char *word, const char *key, const char *value, std::int32_t flag)
+{
+    ui_fe_plugin_update_kv(&request_, word, key, value);
+    return PluginAnswer(ui_fe_plugin_config_send(&request_, flag));
+}
+
+PluginAnswer askPlugin(const char *plugin, const char *word, const char *key, const char *value,
+                       std::int32_t flag)
 {
     PluginConfig request;
     PluginStorage storage;
     ui_plugin_config_init(&request, &storage, plugin);
     ui_fe_plugin_update_kv(&request, word, key, value);
-    const Owned<PluginProcessResponse, plugin_process_response__free_unpacked> answer(
-        ui_fe_plugin_config_send(&request, kSendFlag));
-    if (answer)
+    return PluginAnswer(ui_fe_plugin_config_send(&request, flag));
+}
+
+Status changePlugin(const EditCall &call, const char *plugin, const char *word, const char *key,
+                    const char *value, int line)
+{
+    if (askPlugin(plugin, word, key, value))
         return kOk;
     locationLines(call, line);
     return kInternal;

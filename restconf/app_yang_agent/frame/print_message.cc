@@ -44,8 +44,8 @@ std::string bytesText(const ProtobufCBinaryData &bytes, FieldKind kind)
         vlanmask_to_string(bytes.data, text, sizeof text);
         return text;
     }
-    const bool isText = std::all_of(bytes.data, bytes.data + bytes.len,
-                                    [](std::uint8_t c) { return c >= ' ' && c <= '~'; });
+    const bool isText =
+        std::all_of(bytes.data, bytes.data + bytes.len, [](std::uint8_t c) { return c >= ' ' && c <= '~'; });
     return isText ? std::string(bytes.data, bytes.data + bytes.len) : hexText(bytes);
 }
 

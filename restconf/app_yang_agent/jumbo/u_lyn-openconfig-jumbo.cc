@@ -1,11 +1,11 @@
 #include "jumbo/u_lyn-openconfig-jumbo.h"
 
 #include "backend/qos.h"
+#include "frame/answer.h"
 #include "frame/leaves.h"
+#include "frame/owned.h"
 #include "frame/rules.h"
 #include "frame/unit.h"
-
-#include <memory>
 
 using namespace frame;
 
@@ -16,15 +16,7 @@ namespace {
 constexpr const char *kModule = "lyn-openconfig-jumbo";
 constexpr int kSet = 1, kRead = 10; // opcodes
 
-struct Free {
-    void operator()(QosJumboAnswer *answer) const { ui_fe_qos_jumbo_post_op(answer); }
-};
-using Answer = std::unique_ptr<QosJumboAnswer, Free>;
-
-bool isRefused(const QosJumboAnswer &answer)
-{
-    return answer.reply && answer.reply->ui_err != 0;
-}
+using Answer = Owned<QosJumboAnswer, ui_fe_qos_jumbo_post_op>;
 
 Status refuse(const EditCall &call)
 {
@@ -89,16 +81,8 @@ constexpr Leaf<QosJumboAnswer> kState[] = {
 extern "C" int jumbo_set_config(int enabled)
 {
     const Answer answer(ui_fe_qos_jumbo(kSet, enabled));
-    if (!answer) {
-        if (logsDebug())
-            log_debug("Jumbo: jumbo_set_config returns NULL\n");
-        return 1;
-    }
-    if (!isRefused(*answer))
-        return 0;
-    if (logsDebug())
-        log_debug("Jumbo: jumbo_set_config reply UI__ERROR__CODE__NOT_OK\n");
-    return answer->reply->ui_err;
+    return readLeniently(answer.get(), "Jumbo: jumbo_set_config returns NULL\n",
+                         "Jumbo: jumbo_set_config reply UI__ERROR__CODE__NOT_OK");
 }
 
 extern "C" Status u_lyn_openconfig_jumbo_jumbo_edit(EDIT_ARGS)
@@ -121,7 +105,7 @@ extern "C" Status u_lyn_openconfig_jumbo_operation_state_get(GetBlock *get2cb)
     const Answer answer(ui_fe_qos_jumbo(kRead, 0));
     if (!answer)
         return kOk;
-    if (isRefused(*answer))
+    if (isRefused(answer->reply))
         return kFailed;
     return returnLeaves(get2cb, kModule, *answer, kState);
 }

@@ -12,13 +12,10 @@
 
 #include <string>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
-class CallTest : public ::testing::Test
-{
+class CallTest : public ::testing::Test {
 protected:
     std::shared_ptr<ScriptedTransport> transport = std::make_shared<ScriptedTransport>();
     UseTransport use{transport};
@@ -160,7 +157,7 @@ TEST_F(CallTest, ALongPluginValueIsCut)
     PluginSubValue values[1];
     ui_plugin_multi_config_init(&request, &storage, entries, values, 1, "COLLECTD");
     ui_fe_plugin_update_sub_kv(&request, 0, "OID", std::string(300, '1').c_str());
-    EXPECT_EQ(std::string(values[0].text).size(), 255U);
+    EXPECT_EQ(std::string(values[0].text).size(), PLUGIN_SUB_VALUE_SIZE - 1U);
     ui_fe_plugin_update_sub_kv(&request, 0, "OID", nullptr);
     EXPECT_STREQ(values[0].text, "");
 }

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 Bytes requestBytes(const RequestHead &head, const Bytes &message)
 {
@@ -62,9 +60,7 @@ struct AnswerCase {
     bool isPresent = false;
     std::size_t length = 0;
 };
-class Answers : public ::testing::TestWithParam<AnswerCase>
-{
-};
+class Answers : public ::testing::TestWithParam<AnswerCase> { };
 
 TEST_P(Answers, AreReadOrRefused)
 {

@@ -4,19 +4,15 @@
 
 #include <gtest/gtest.h>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 struct KindCase {
     const char *name;
     ProtobufCType type;
     FieldKind kind;
 };
-class Kinds : public ::testing::TestWithParam<KindCase>
-{
-};
+class Kinds : public ::testing::TestWithParam<KindCase> { };
 
 TEST_P(Kinds, FollowTypeAndName)
 {

@@ -4,10 +4,8 @@
 
 #include <string>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -42,9 +40,7 @@ std::vector<std::string> readAll(const Bytes &stream, std::size_t piece)
     return seen;
 }
 
-class FramePieces : public ::testing::TestWithParam<std::size_t>
-{
-};
+class FramePieces : public ::testing::TestWithParam<std::size_t> { };
 
 TEST_P(FramePieces, WholeFramesComeOutHoweverTheyArrive)
 {
@@ -75,9 +71,7 @@ struct BadHead {
     std::string name;
     Bytes head;
 };
-class FrameHeads : public ::testing::TestWithParam<BadHead>
-{
-};
+class FrameHeads : public ::testing::TestWithParam<BadHead> { };
 
 TEST_P(FrameHeads, BreakTheStreamAtOnce)
 {

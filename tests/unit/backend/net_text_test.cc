@@ -5,8 +5,7 @@
 #include <array>
 #include <string>
 
-namespace
-{
+namespace {
 
 struct AddressCase {
     const char *text;

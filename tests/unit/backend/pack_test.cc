@@ -7,10 +7,8 @@
 
 #include <gtest/gtest.h>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 InterfaceConfigParam *overTheWire(InterfaceConfigParam &record)
 {

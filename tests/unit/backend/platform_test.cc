@@ -9,8 +9,7 @@
 #include <set>
 #include <string>
 
-namespace
-{
+namespace {
 
 TEST(PlatformWithoutDevice, ValuesAreZeroAndServicesFail)
 {

@@ -11,11 +11,9 @@
 #include <optional>
 #include <vector>
 
-namespace backend
-{
+namespace backend {
 
-class ScriptedTransport : public Transport
-{
+class ScriptedTransport : public Transport {
 public:
     std::optional<Bytes> call(BytesView request, Deadline deadline) override
     {
@@ -46,8 +44,7 @@ inline Bytes packed(const ProtobufCMessage &message)
 }
 
 // The transport of the process for as long as it lives.
-class UseTransport
-{
+class UseTransport {
 public:
     explicit UseTransport(std::shared_ptr<Transport> transport) { setTransport(std::move(transport)); }
     ~UseTransport()

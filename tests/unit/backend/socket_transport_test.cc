@@ -15,10 +15,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 using namespace std::chrono_literals;
 
@@ -31,8 +29,7 @@ Bytes framed(std::uint32_t id, const Bytes &content)
 }
 
 // One connection as the daemon sees it.
-class Link
-{
+class Link {
 public:
     explicit Link(int fd)
         : fd_(fd)
@@ -58,8 +55,7 @@ private:
 };
 
 // A daemon whose connections are served one after the other by what the test says.
-class Daemon
-{
+class Daemon {
 public:
     Daemon(const std::string &path, std::function<void(Link &, int connection)> serve)
         : listener_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0))
@@ -103,8 +99,7 @@ void echoAll(Link &link, int)
         link.answer(*frame);
 }
 
-class SocketTransportTest : public ::testing::Test
-{
+class SocketTransportTest : public ::testing::Test {
 protected:
     SocketTransportTest() { std::filesystem::create_directory(dir); }
     ~SocketTransportTest() override { std::filesystem::remove_all(dir); }
@@ -200,9 +195,7 @@ struct BadAnswer {
     const char *name;
     void (*answer)(Link &, const Frame &);
 };
-class BadAnswers : public SocketTransportTest, public ::testing::WithParamInterface<BadAnswer>
-{
-};
+class BadAnswers : public SocketTransportTest, public ::testing::WithParamInterface<BadAnswer> { };
 
 TEST_P(BadAnswers, FailTheCallAndNotTheNext)
 {

@@ -6,8 +6,7 @@
 #include <initializer_list>
 #include <string>
 
-namespace
-{
+namespace {
 
 using Mask = std::array<std::uint32_t, 128>;
 

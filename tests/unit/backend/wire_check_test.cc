@@ -8,10 +8,8 @@
 
 #include <string>
 
-namespace backend
-{
-namespace
-{
+namespace backend {
+namespace {
 
 Bytes operator+(Bytes left, const Bytes &right)
 {
@@ -27,9 +25,7 @@ struct WireCase {
     Bytes bytes;
     bool isGood;
 };
-class CommonRespBytes : public ::testing::TestWithParam<WireCase>
-{
-};
+class CommonRespBytes : public ::testing::TestWithParam<WireCase> { };
 
 TEST_P(CommonRespBytes, AreUnpackedOrRefused)
 {

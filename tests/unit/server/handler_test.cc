@@ -474,7 +474,7 @@ TEST_F(HandlerTest, InvokesOperations)
     EXPECT_EQ(inXml.field("Content-Type"), "application/yang-data+xml");
     EXPECT_THAT(inXml.message.body(), HasSubstr("<sum>3</sum>"));
     EXPECT_EQ(ask("POST", add, kJson, R"({"toy:input": {"a": 1}})").status, 204U); // without output
-    EXPECT_EQ(ask("POST", add).tag(), "data-missing");                             // a is mandatory
+    EXPECT_EQ(ask("POST", add).tag(), "missing-element");                          // a is mandatory
     EXPECT_EQ(ask("POST", add, kJson, R"({"toy:input": {"a": "x"}})").status, 400U);
     EXPECT_EQ(ask("POST", add, {}, R"({"toy:input": {"a": 1}})").status, 415U);
     EXPECT_EQ(ask("POST", add + "?depth=1", kJson, R"({"toy:input": {"a": 1}})").status, 400U);

@@ -5,8 +5,7 @@
 
 #include <string>
 
-namespace agentd::test
-{
+namespace agentd::test {
 
 // The HTTP status with which the action is refused, 0 if it isn't.
 template <typename Action>

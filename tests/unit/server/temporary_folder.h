@@ -6,11 +6,9 @@
 #include <stdexcept>
 #include <string>
 
-namespace agentd::test
-{
+namespace agentd::test {
 
-class TemporaryFolder
-{
+class TemporaryFolder {
 public:
     TemporaryFolder()
     {

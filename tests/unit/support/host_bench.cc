@@ -169,7 +169,7 @@ Callback HostBench::call(EditPhase phase, EditOp op, const std::string &path,
         RequestFrame frame;
         frame.transaction.told = told.get();
         result.status = told->info->edit(&frame.session, &frame.request, phase, op, told->newval.get(),
-                                         told->curval.get());
+                                         told->currentIn(phase));
         result.records = frame.header.records;
     }
     lyd_free_all(root);

@@ -81,6 +81,13 @@ protected:
     std::unique_ptr<tk::Host> host_;
 };
 
+// A case of a table prints as its member `name`, and is named by it.
+template <class Case>
+auto PrintTo(const Case &of, std::ostream *out) -> decltype(void(std::string(of.name)))
+{
+    *out << of.name;
+}
+
 // Names a case of a table by its member `name`.
 struct CaseName {
     template <class Info>

@@ -15,10 +15,8 @@
 #include <array>
 #include <cstring>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using Clients = SwitchTest;
 INSTANTIATE_TEST_SUITE_P(Ways, Clients, ::testing::Values(Way::inProcess, Way::socket), nameOfWay);
@@ -116,12 +114,13 @@ TEST_P(Clients, AnInterfaceTakesSettings)
     EXPECT_EQ(lastLine()["request"],
               Json::parse(R"({"operation": 2, "name": "ethernet 1/1/1", "description_op": 2,
         "description": "to the roof", "enabled_op": 2, "enabled": 0})"));
-    EXPECT_EQ(device().show("interfaces")["ethernet 1/1/1"],
-              Json::parse(R"({"ifindex": 1, "enabled": false, "description": "to the roof"})"));
+    const auto port = [this] { return device().show("interfaces")["ethernet 1/1/1"]; };
+    EXPECT_EQ(port()["enabled"], false);
+    EXPECT_EQ(port()["description"], "to the roof");
     request.enabled_op = request.description_op = 3;
     interface_config_param__free_unpacked(ui_fe_interface_config_msg(&request, 2), nullptr);
-    EXPECT_EQ(device().show("interfaces")["ethernet 1/1/1"],
-              Json::parse(R"({"ifindex": 1, "enabled": true})"));
+    EXPECT_EQ(port()["enabled"], true);
+    EXPECT_FALSE(port().contains("description"));
 }
 
 int applyProtection(std::int32_t opcode, const char *port, CommonResp **answer)

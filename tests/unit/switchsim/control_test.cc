@@ -8,10 +8,8 @@
 #include <atomic>
 #include <thread>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -19,8 +17,7 @@ using ::testing::StartsWith;
 
 const std::string kDone = R"({"done":true})";
 
-class Control : public ::testing::Test
-{
+class Control : public ::testing::Test {
 protected:
     Control() { backend::setTransport(device->transport()); }
     ~Control() override { backend::setTransport(nullptr); }

@@ -13,16 +13,13 @@
 
 #include <sys/stat.h>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using namespace std::chrono_literals;
 using backend::Bytes;
 
-class Patient : public Caller
-{
+class Patient : public Caller {
 public:
     bool wait(std::chrono::milliseconds) override { return true; }
 };
@@ -80,8 +77,7 @@ TEST(SocketFile, IsForItsOwnerOnlyAndGoesAwayAgain)
     const auto path = folder.path + "/switch.sock";
     {
         const auto device = startInProcessSwitch({folder.path, 5});
-        struct stat info {
-        };
+        struct stat info { };
         ASSERT_EQ(stat(path.c_str(), &info), 0);
         EXPECT_EQ(info.st_mode, static_cast<mode_t>(S_IFSOCK | S_IRUSR | S_IWUSR));
         EXPECT_EQ(device->simulator().values()[0]["value"], 5);
@@ -119,8 +115,7 @@ TEST(SocketFile, ErrorsAreOneClearLine)
 }
 
 // What a client may send to the socket of a separate switch, and what comes back.
-class RawClient : public ::testing::Test
-{
+class RawClient : public ::testing::Test {
 protected:
     std::string exchange(const Bytes &sent, Serves serves = Serves::controlAndMessages)
     {

@@ -7,15 +7,12 @@
 
 #include <thread>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using namespace std::chrono_literals;
 
-class JournalTest : public ::testing::Test
-{
+class JournalTest : public ::testing::Test {
 protected:
     JournalTest()
     {

@@ -12,10 +12,8 @@
 #include <csignal>
 #include <sys/wait.h>
 
-namespace switchsim
-{
-namespace
-{
+namespace switchsim {
+namespace {
 
 using namespace std::chrono_literals;
 using ::testing::EndsWith;
@@ -40,8 +38,7 @@ Result runCommand(const std::string &command)
 }
 
 // A switchsim of its own process.
-class Program
-{
+class Program {
 public:
     Program(const std::string &socketPath, const std::string &output)
     {
@@ -92,8 +89,7 @@ private:
     pid_t pid_;
 };
 
-class Programs : public ::testing::Test
-{
+class Programs : public ::testing::Test {
 protected:
     Result ctl(const std::string &arguments)
     {

@@ -13,12 +13,10 @@
 
 #include <unistd.h>
 
-namespace switchsim
-{
+namespace switchsim {
 
 // An empty folder for as long as it lives.
-class TemporaryFolder
-{
+class TemporaryFolder {
 public:
     TemporaryFolder()
     {
@@ -42,8 +40,7 @@ inline std::string nameOfWay(const ::testing::TestParamInfo<Way> &way)
 }
 
 // Starts a switch and makes it the device of the process.
-class SwitchTest : public ::testing::TestWithParam<Way>
-{
+class SwitchTest : public ::testing::TestWithParam<Way> {
 protected:
     SwitchTest()
     {

@@ -278,6 +278,38 @@ const Case kCases[] = {
      "",
      {"delete /toy:top/entry[name='a']"},
      {{"/t:top/t:entry/t:config", spared}}},
+    {"what_is_told_first_takes_the_nodes_around_it_along",
+     R"({"entry":[{"name":"b"}]})",
+     Method::patch,
+     "",
+     R"({"ietf-restconf:data":{"toy:top":{"plain":"p","config":{"limit":3},"entry":[{"name":"a","config":{"value":"v"}},{"name":"b","own":"o"}]}}})",
+     {"merge /toy:top plain:create=p", "create /toy:top/entry[name='a'] name:create=a",
+      "create /toy:top/entry[name='a']/config value:create=v", "merge /toy:top/config limit:create=3",
+      "merge /toy:top/entry[name='b'] own:create=o"},
+     {{"/t:top/t:entry/t:config", toldFirst}}},
+    {"what_is_told_first_goes_last",
+     R"({"config":{"limit":3},"entry":[{"name":"a","config":{"value":"v"},"sub":[{"id":1}]},{"name":"b"}]})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"plain":"p"}})",
+     {"delete /toy:top/entry[name='b']", "delete /toy:top/entry[name='a']/sub[id='1']",
+      "replace /toy:top plain:create=p", "replace /toy:top/config limit:delete",
+      "delete /toy:top/entry[name='a']/config", "delete /toy:top/entry[name='a']"},
+     {{"/t:top/t:entry/t:config", toldFirst}}},
+    {"a_deleted_leaf_that_stays_has_a_new_value",
+     R"({"config":{"limit":3}})",
+     Method::remove,
+     "toy:top/config/limit",
+     "",
+     {"merge /toy:top/config limit:delete=3"},
+     {{"/t:top/t:config", deletedLeafStays}}},
+    {"a_deleted_leaf_stays_in_a_merge_only",
+     R"({"config":{"limit":3,"enabled":true}})",
+     Method::put,
+     "toy:top/config",
+     R"({"toy:config":{"enabled":true}})",
+     {"replace /toy:top/config limit:delete"},
+     {{"/t:top/t:config", deletedLeafStays}}},
     {"what_refuses_comes_first",
      R"({"config":{"limit":3},"entry":[{"name":"a"}]})",
      Method::remove,
@@ -285,6 +317,58 @@ const Case kCases[] = {
      "",
      {"delete /toy:top/config", "delete /toy:top/entry[name='a']", "delete /toy:top"},
      {{"/t:top/t:config", refusesDelete}}},
+    {"deletions_follow_the_replacement_around_them",
+     R"({"marked":{"note":"n"},"entry":[{"name":"a"},{"name":"b"},{"name":"c","own":"o"}]})",
+     Method::put,
+     "",
+     R"({"ietf-restconf:data":{"toy:top":{"entry":[{"name":"c","own":"p"}]},"toy:late":{"plain":"l"}}})",
+     {"replace /toy:top", "delete /toy:top/entry[name='b']", "delete /toy:top/entry[name='a']",
+      "delete /toy:top/marked", "replace /toy:top/entry[name='c'] own:merge=p",
+      "replace /toy:late plain:create=l"},
+     {{"/t:top", beforeItsEntries}}},
+    {"deletions_without_a_replacement_come_first",
+     R"({"plain":"a","entry":[{"name":"a"}]})",
+     Method::remove,
+     "toy:top",
+     "",
+     {"delete /toy:top/entry[name='a']", "delete /toy:top"},
+     {{"/t:top", beforeItsEntries}}},
+    {"a_replacement_tells_again_what_stays_in_it",
+     R"({"plain":"a","entry":[{"name":"a"},{"name":"b","config":{"value":"v"}},{"name":"c","config":{"value":"v"}}]})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{"plain":"b","entry":[{"name":"a"},{"name":"b","config":{"value":"v"}},{"name":"c","config":{"value":"w"}}]}})",
+     {"replace /toy:top plain:merge=b", "replace /toy:top/entry[name='c']",
+      "merge /toy:top/entry[name='c']/config value:merge=w", "merge /toy:top/entry[name='b']/config"},
+     {{"/t:top", retells}, {"/t:top/t:entry/t:config", retold}}},
+    {"without_its_own_change_nothing_is_told_again",
+     R"({"plain":"a","config":{"limit":1},"entry":[{"name":"a","config":{"value":"v"}}]})",
+     Method::patch,
+     "toy:top/config",
+     R"({"toy:config":{"limit":2}})",
+     {"merge /toy:top/config limit:merge=2"},
+     {{"/t:top", retells}, {"/t:top/t:entry/t:config", retold}}},
+    {"a_change_beside_tells_again",
+     R"({"config":{"limit":1},"marked":{"inside":{"value":"v"}}})",
+     Method::patch,
+     "toy:top/config",
+     R"({"toy:config":{"limit":2}})",
+     {"merge /toy:top/config limit:merge=2", "merge /toy:top/marked/inside"},
+     {{"/t:top/t:config", retellsSiblings}, {"/t:top/t:marked/t:inside", retold}}},
+    {"a_deletion_beside_tells_again",
+     R"({"config":{"limit":1},"marked":{"inside":{"value":"v"}}})",
+     Method::remove,
+     "toy:top/config",
+     "",
+     {"delete /toy:top/config", "merge /toy:top/marked/inside"},
+     {{"/t:top/t:config", retellsSiblings}, {"/t:top/t:marked/t:inside", retold}}},
+    {"what_holds_nothing_is_not_told_again",
+     R"({"config":{"limit":1},"marked":{"inside":{}}})",
+     Method::patch,
+     "toy:top/config",
+     R"({"toy:config":{"limit":2}})",
+     {"merge /toy:top/config limit:merge=2"},
+     {{"/t:top/t:config", retellsSiblings}, {"/t:top/t:marked/t:inside", retold}}},
 };
 INSTANTIATE_TEST_SUITE_P(Rules, Tells, testing::ValuesIn(kCases), CaseName());
 
@@ -392,6 +476,42 @@ TEST(Values, AbsentSidesAreNullAndEmptyContainersAreNot)
     EXPECT_EQ(seen["apply create /toy:top/entry[name='k']"], R"({"name":"k"} was -)");
     EXPECT_EQ(seen["apply delete /toy:top/marked"], "- was {}");
     EXPECT_EQ(seen["apply merge /toy:top/config"], R"({} was {"limit":"1"})");
+}
+
+TEST(Values, MergedCurrentIsTheValueAfterwardsUntilRollback)
+{
+    ToyBench bench(doc(R"({"words":["x","y"]})"), {{"/t:top", mergedCurrent}});
+    std::vector<std::string> seen;
+    bench.watch = [&](const std::string &line, Value *, Value *curval) {
+        seen.push_back(line.substr(0, line.find(' ')) + textOf(curval));
+        Value *last = nullptr;
+        EXPECT_FALSE(agt_get_key_value(curval, &last));
+    };
+    bench.remove("toy:top/words=x");
+    EXPECT_THAT(seen,
+                ElementsAre(R"(validate{"words":"y"})", R"(apply{"words":"y"})", R"(commit{"words":"y"})"));
+    seen.clear();
+    bench.failAt("commit", "/toy:late", 4);
+    bench.patch("", R"({"ietf-restconf:data":{"toy:top":{"words":["z"]},"toy:late":{"plain":"l"}}})");
+    EXPECT_EQ(seen.back(), R"(rollback{"words":"y"})");
+    bench.failNowhere();
+    bench.put("toy:top", R"({"toy:top":{"words":["z"]}})"); // a replacement sees what was
+    EXPECT_EQ(seen.back(), R"(commit{"words":"y"})");
+}
+
+TEST(Values, DefaultsStandInBothWhereTheRowAsks)
+{
+    ToyBench bench(doc(R"({"plain":"a"})"), {{"/t:top", withDefaults}});
+    std::vector<std::string> seen;
+    bench.watch = [&](const std::string &line, Value *newval, Value *curval) {
+        if (line.rfind("apply", 0) == 0)
+            seen.push_back(textOf(newval) + " was " + textOf(curval));
+    };
+    bench.patch("toy:top", R"({"toy:top":{"number":8}})");
+    bench.put("toy:top", R"({"toy:top":{}})");
+    EXPECT_THAT(seen,
+                ElementsAre(R"({"plain":"a","number":"8"} was {"plain":"a","number":"7"})",
+                            R"({"number":"7"} was {"plain":"a","number":"8"})"));
 }
 
 TEST(Values, KeysComeOutermostFirst)

@@ -50,9 +50,16 @@ TEST_F(Loading, NamesRevisionsAndTopLevelObjects)
     EXPECT_FALSE(ncx_find_object(toy, "nothing"));
     EXPECT_FALSE(load("toy-that-is-not-there", nullptr));
     EXPECT_EQ(status, kFailed);
-    EXPECT_FALSE(load("checks", "1999-01-01"));
     EXPECT_EQ(sealError(), "");
     EXPECT_FALSE(load("checks", nullptr)); // too late
+}
+
+TEST_F(Loading, AModuleInAnotherRevisionStopsTheStart)
+{
+    load("toy", "2024-01-01");
+    EXPECT_FALSE(load("checks", "1999-01-01"));
+    EXPECT_EQ(status, kFailed);
+    EXPECT_THAT(sealError(), testing::HasSubstr("checks@1999-01-01"));
 }
 
 TEST_F(Loading, ATopLevelObjectThatComesFromAGrouping)

@@ -71,9 +71,12 @@ std::string textOf(Value *value)
     return text + "}";
 }
 
-ToyBench::ToyBench(const std::string &startup, const std::map<std::string, unsigned> &options)
+ToyBench::ToyBench(const std::string &startup, const std::map<std::string, unsigned> &options,
+                   const std::vector<std::string> &moreModules)
 {
     bench = this;
+    for (const std::string &name : moreModules)
+        host_->loadServerModule(name);
     ModuleHandle *module = nullptr;
     if (ncxmod_load_module("toy", "2024-01-01", agt_get_savedevQ(), &module))
         throw std::runtime_error("the toy module does not load");

@@ -11,7 +11,8 @@ namespace test {
 // One line a call: "apply merge /toy:top/config enabled:create=true limit:delete".
 class ToyBench : public HostBench {
 public:
-    explicit ToyBench(const std::string &startup = {}, const std::map<std::string, unsigned> &options = {});
+    explicit ToyBench(const std::string &startup = {}, const std::map<std::string, unsigned> &options = {},
+                      const std::vector<std::string> &moreModules = {});
     ~ToyBench() override;
 
     // The calls since the last time, of all phases or of one.
