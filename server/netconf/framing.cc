@@ -47,8 +47,9 @@ std::optional<std::string> FrameDecoder::nextEndOfMessage()
 {
     const auto end = input_.find(kEndOfMessage, std::max(at_, scanned_));
     if (end == std::string::npos) {
-        refuseLong(input_.size() - at_);
+        // What may be the beginning of the end is not the message's.
         scanned_ = std::max(at_, input_.size() - std::min(input_.size(), kEndOfMessage.size() - 1));
+        refuseLong(scanned_ - at_);
         return std::nullopt;
     }
     refuseLong(end - at_);

@@ -1,5 +1,6 @@
 #include "server/netconf/front_end.h"
 
+#include "server/http_listener.h"
 #include "server/netconf/monitoring.h"
 
 #include <algorithm>

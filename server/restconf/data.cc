@@ -34,10 +34,7 @@ void setVersion(HttpResponse &response, const tk::Stamp &stamp, const std::strin
 
 bool mayHoldState(const tk::ReadRequest &read)
 {
-    const auto kind = read.target.kind();
-    const bool isValue =
-        kind == tk::NodeKind::leaf || kind == tk::NodeKind::leafList || kind == tk::NodeKind::leafListEntry;
-    return read.content != tk::Content::config && !(isValue && read.target.isConfig());
+    return read.content != tk::Content::config && read.target.mayHoldState();
 }
 
 // A list without keys is fine in JSON; an XML document has one root (RFC 8040, section 4.3).

@@ -115,6 +115,8 @@ Handler::Handler(tk::Host &host, Worker &callbacks, Audit &audit)
         if (module.name == kLibraryModule)
             libraryVersion_ = module.revision;
     }
+    for (const tk::PathStep &operation : host.operations())
+        operations_.push_back({operation.module, namespaces_[operation.module], operation.name});
 }
 
 void Handler::serve(HttpRequest request, Reply reply)

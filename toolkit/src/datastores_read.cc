@@ -48,15 +48,17 @@ std::string print(const lyd_node *root, WithDefaults mode)
     return mode == WithDefaults::reportAllTagged ? withStandardMarks(text) : text;
 }
 
-// Takes out the leaves whose value is the default, set or not, and what holds nothing then.
-void trimDefaults(lyd_node **root)
+// Takes out the containers that hold nothing, and on request the leaves whose value is the default, set or
+// not.
+void dropIdle(lyd_node **root, bool dropsDefaults)
 {
     for (lyd_node *node = *root, *next = nullptr; node; node = next) {
         next = node->next;
         lyd_node *first = lyd_child(node);
-        trimDefaults(&first);
+        dropIdle(&first, dropsDefaults);
         const bool isLeaf = (node->schema->nodetype & LYD_NODE_TERM) && !isKey(node->schema);
-        const bool goes = isLeaf ? lyd_is_default(node) : isPlainContainer(node->schema) && !lyd_child(node);
+        const bool goes = isLeaf ? dropsDefaults && lyd_is_default(node)
+                                 : isPlainContainer(node->schema) && !lyd_child(node);
         if (!goes)
             continue;
         if (*root == node)
@@ -90,8 +92,7 @@ std::string Datastores::Impl::readTree(const GetRequest &request, const DataFilt
     collect(request, pieces, answer);
     if (addsDefaults(request.withDefaults))
         lyd_new_implicit_all(&answer.root, context(), LYD_IMPLICIT_NO_STATE, nullptr);
-    if (request.withDefaults == WithDefaults::trim)
-        trimDefaults(&answer.root);
+    dropIdle(&answer.root, request.withDefaults == WithDefaults::trim);
     if (filter)
         keepSelected(&answer.root, filter->select(answer.root));
     return print(answer.root, request.withDefaults);

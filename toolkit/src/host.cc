@@ -90,6 +90,27 @@ void Host::Impl::loadBundle(const std::string &library, const std::string &name)
                            (context.error().empty() ? "" : ", " + context.error()));
 }
 
+namespace {
+
+// Where the modules lie on this machine is nobody's business; clients get them by their names.
+void dropLocations(lyd_node *library)
+{
+    std::vector<lyd_node *> locations;
+    lyd_node *node = nullptr;
+    if (!library)
+        return;
+    LYD_TREE_DFS_BEGIN(library, node)
+    {
+        if (node->schema && std::strcmp(node->schema->name, "location") == 0)
+            locations.push_back(node);
+        LYD_TREE_DFS_END(library, node);
+    }
+    for (lyd_node *location : locations)
+        lyd_free_tree(location);
+}
+
+} // namespace
+
 void Host::Impl::seal()
 {
     schema.build(context, registry);
@@ -105,6 +126,7 @@ void Host::Impl::seal()
     providers.push_back({"ietf-yang-library", [this] {
                              lyd_node *tree = nullptr;
                              ly_ctx_get_yanglib_data(context.ly(), &tree, "%s", contentId.c_str());
+                             dropLocations(tree);
                              return tree;
                          }});
 }
@@ -305,9 +327,13 @@ std::optional<std::string> Host::invoke(const Target &operation, const std::stri
     if (!output)
         return std::nullopt;
     const lys_module *module = reply->schema->module;
+    if (outputEncoding == Encoding::json) {
+        // Printed under the operation's name, which is what it goes without: {"module:name": {...}}.
+        std::string text = printNodes(reply, outputEncoding, 0);
+        const std::string name = std::string(module->name) + ":" + reply->schema->name;
+        return text.replace(text.find(name), name.size(), std::string(module->name) + ":output");
+    }
     const std::string inner = printNodes(lyd_child(reply), outputEncoding, LYD_PRINT_WITHSIBLINGS);
-    if (outputEncoding == Encoding::json)
-        return std::string("{\"") + module->name + ":output\": " + inner + "}\n";
     return std::string("<output xmlns=\"") + module->ns + "\">\n" + inner + "</output>\n";
 }
 

@@ -89,6 +89,7 @@ private:
     std::optional<std::string> print(const ReadRequest &request, lyd_node *results);
     bool hasState(const Target::Node &target) const; // callbacks or providers at or below it
     bool existsByItself(const Target::Node &target, lyd_node *results);
+    bool isReachable(const Target::Node &target, std::size_t steps, lyd_node *results);
 };
 
 // An edit request of RESTCONF as a change of a tree.

@@ -206,9 +206,15 @@ void Host::Impl::addDefaults(const Target::Node &target, const Selection &wanted
         const bool plain = isPlainContainer(target.schema()) && existsByItself(target, answer.root);
         lyd_node *parent =
             plain ? answer.makeSteps(target, target.steps.size()) : findTarget(answer.root, target);
+        const std::size_t above = target.steps.size() - 1;
+        if (!parent && target.schema()->nodetype == LYS_LEAF && isReachable(target, above, answer.root)) {
+            // A leaf that only its default fills appears with its parent's defaults.
+            if (lyd_node *around = answer.makeSteps(target, above))
+                lyd_new_implicit_tree(around, LYD_IMPLICIT_NO_STATE, nullptr);
+            parent = findTarget(answer.root, target);
+        }
         if (!parent)
             return;
-        const std::size_t above = target.steps.size() - 1;
         std::vector<lyd_node *> nodes{parent};
         for (lyd_node *next = isMany(target) ? parent->next : nullptr; next; next = next->next)
             if (next->schema == parent->schema)
@@ -227,10 +233,15 @@ void Host::Impl::addDefaults(const Target::Node &target, const Selection &wanted
 // A container without presence is there as soon as what is around it is.
 bool Host::Impl::existsByItself(const Target::Node &target, lyd_node *results)
 {
-    if (target.steps.empty() || !isPlainContainer(target.schema()))
-        return false;
+    return !target.steps.empty() && isPlainContainer(target.schema())
+        && isReachable(target, target.steps.size() - 1, results);
+}
+
+// Whether the entries among the first steps exist.
+bool Host::Impl::isReachable(const Target::Node &target, std::size_t steps, lyd_node *results)
+{
     const auto reading = engine.read();
-    for (std::size_t i = target.steps.size(); i-- > 1;) {
+    for (std::size_t i = steps; i > 0; --i) {
         if (!isEntry(target.steps[i - 1].schema))
             continue;
         const Engine::Reading answered{{}, results, nullptr};

@@ -56,7 +56,8 @@ template <class Reading>
 Read read(const Case &c, Reading reading)
 {
     RequestFrame request;
-    const frame::EditCall call{&request.session, &request.request, apply, merge, nullptr, nullptr, "u_some_edit"};
+    const frame::EditCall call{&request.session, &request.request, apply,        merge,
+                               nullptr,          nullptr,          "u_some_edit"};
     const CommonResp answer = c.answer.value_or(Reply{}).record();
     const LogCapture log;
     Read done{reading(call, c.result, c.answer ? &answer : nullptr), {}, log.errors()};
@@ -69,9 +70,10 @@ class Strictly : public testing::TestWithParam<Case> { };
 
 TEST_P(Strictly, TakesTheDevicesWords)
 {
-    EXPECT_EQ(read(GetParam(), [](auto &call, int result, const CommonResp *answer) {
-                  return frame::readStrictly(call, result, answer);
-              }),
+    EXPECT_EQ(read(GetParam(),
+                   [](auto &call, int result, const CommonResp *answer) {
+                       return frame::readStrictly(call, result, answer);
+                   }),
               GetParam().expected);
 }
 
@@ -92,9 +94,10 @@ class ForVlans : public testing::TestWithParam<Case> { };
 
 TEST_P(ForVlans, IsAlwaysAPlainFailure)
 {
-    EXPECT_EQ(read(GetParam(), [](auto &call, int result, const CommonResp *answer) {
-                  return frame::readVlanAnswer(call, result, answer, "3 to 5");
-              }),
+    EXPECT_EQ(read(GetParam(),
+                   [](auto &call, int result, const CommonResp *answer) {
+                       return frame::readVlanAnswer(call, result, answer, "3 to 5");
+                   }),
               GetParam().expected);
 }
 

@@ -67,8 +67,12 @@ std::vector<Step> andNothingElse(std::vector<Step> steps, const std::string &bef
         for (const EditOp op : {merge, replace, create, del, load}) {
             if (isThere(phase, op))
                 continue;
-            Step quiet{std::string("nothing_in_") + agt_cbtype_name(phase) + "_of_" + op_editop_name(op), phase, op,
-                       before, after, {}};
+            Step quiet{std::string("nothing_in_") + agt_cbtype_name(phase) + "_of_" + op_editop_name(op),
+                       phase,
+                       op,
+                       before,
+                       after,
+                       {}};
             if (op == create || op == load)
                 quiet.before.reset();
             if (op == del)
@@ -103,7 +107,8 @@ Status getNextInstance(SwitchBench &bench, const std::string &registeredPath, co
     Status status = kOk;
     const lysc_node *list = target.node().steps.at(1).schema;
     const Object *keyLeaf = obj_find_child(bench.host().impl().context.objectOf(list), nullptr, "name");
-    block.keys.push_back({std::unique_ptr<Value>(val_make_simval_obj(keyLeaf, key.c_str(), &status)), 1, true});
+    block.keys.push_back(
+        {std::unique_ptr<Value>(val_make_simval_obj(keyLeaf, key.c_str(), &status)), 1, true});
     return registration->get(nullptr, nullptr, &block);
 }
 

@@ -51,7 +51,8 @@ switchsim::Fault refusal(const std::string &call, std::optional<std::string> tex
 
 // The steps, and one that does nothing for each phase and operation that none of them has, over the values of
 // the node given here.
-std::vector<Step> andNothingElse(std::vector<Step> steps, const std::string &before, const std::string &after);
+std::vector<Step> andNothingElse(std::vector<Step> steps, const std::string &before,
+                                 const std::string &after);
 
 // One bench for a table: a callback called by hand leaves nothing in running.
 class CallbackTest : public testing::TestWithParam<Step> {

@@ -20,12 +20,14 @@ class PluginChanges : public testing::Test {
 protected:
     SwitchBench bench_;
     RequestFrame request_;
-    const frame::EditCall call_{&request_.session, &request_.request, rollback, del, nullptr, nullptr, "u_some_edit"};
+    const frame::EditCall call_{&request_.session, &request_.request, rollback,     del,
+                                nullptr,           nullptr,           "u_some_edit"};
 };
 
 TEST_F(PluginChanges, AreOneRequestEach)
 {
-    EXPECT_EQ(frame::changePlugin(call_, "ZQ_SYSLOG", PLUGIN_OP_SET, "logging host", "10.0.0.1 udp-port 514"), 0);
+    EXPECT_EQ(frame::changePlugin(call_, "ZQ_SYSLOG", PLUGIN_OP_SET, "logging host", "10.0.0.1 udp-port 514"),
+              0);
     EXPECT_EQ(frame::changePlugin(call_, "COLLECTD", PLUGIN_OP_DELETE, "Data", "a"), 0);
     EXPECT_THAT(
         bench_.sent(),
@@ -66,8 +68,9 @@ TEST(PrintedMessage, ShowsWhatIsSetAndNestedRecordsInTheirPlace)
     message.name = const_cast<char *>("ethernet 1/1/1");
     message.has_ifindex = 1; // a zero that is set
     message.source = 3;      // goes out though its presence word is not set
-    EXPECT_EQ(printed(message.base), " Attr#1 ui_err::0\n Attr#2 app_err::-2\n"
-                                     " Attr#2 name::ethernet 1/1/1\n Attr#3 ifindex::0\n Attr#12 source::3\n");
+    EXPECT_EQ(printed(message.base),
+              " Attr#1 ui_err::0\n Attr#2 app_err::-2\n"
+              " Attr#2 name::ethernet 1/1/1\n Attr#3 ifindex::0\n Attr#12 source::3\n");
 }
 
 TEST(PrintedMessage, HidesSecrets)
@@ -143,9 +146,10 @@ TEST(PrintedMessage, KnowsEveryKindOfField)
                   {sizeof raw, raw},
                   2,
                   numbers};
-    EXPECT_EQ(printed(odd.base), " Attr#1 on::TRUE\n Attr#2 off::FALSE\n Attr#3 wide::1099511627776\n"
-                                 " Attr#4 password::*****\n Attr#5 vlan_mask::10 to 12\n Attr#6 raw::00ff\n"
-                                 " Attr#7 numbers::-1\n Attr#7 numbers::2\n");
+    EXPECT_EQ(printed(odd.base),
+              " Attr#1 on::TRUE\n Attr#2 off::FALSE\n Attr#3 wide::1099511627776\n"
+              " Attr#4 password::*****\n Attr#5 vlan_mask::10 to 12\n Attr#6 raw::00ff\n"
+              " Attr#7 numbers::-1\n Attr#7 numbers::2\n");
 }
 
 } // namespace

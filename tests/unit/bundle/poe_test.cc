@@ -15,7 +15,8 @@ namespace {
 using namespace tk;
 using testing::ElementsAre;
 
-const std::string kPoe = kEthernet + "/lyn-openconfig-if-poe-aug:poe", kConfig = kPoe + "/config", kState = kPoe + "/state";
+const std::string kPoe = kEthernet + "/lyn-openconfig-if-poe-aug:poe", kConfig = kPoe + "/config",
+                  kState = kPoe + "/state";
 const std::string kCall = "ui_fe_poe_config_cmd_send";
 
 // The port's state alone.
@@ -73,16 +74,34 @@ const Step kSteps[] = {
     {"merge_in_validate", validate, merge, kOff, kOn, {kWalkOfOn}},
     {"merge_in_commit", commit, merge, kOff, kOn, {kWalkOfOn}},
     {"merge_in_rollback", rollback, merge, kOff, kOn, {kWalkOfOn}},
-    {"merge_in_apply", apply, merge, kOff, kOn, {{power(1), whole(1, {.enabled = 1}), power(1), whole(1, {.enabled = 1})}}},
+    {"merge_in_apply",
+     apply,
+     merge,
+     kOff,
+     kOn,
+     {{power(1), whole(1, {.enabled = 1}), power(1), whole(1, {.enabled = 1})}}},
     {"merge_of_one_leaf_in_validate_knows_only_it", validate, merge, kOnLow, kOnHigh, {kWalkOfPriority}},
-    {"merge_of_one_leaf_in_apply_sends_all", apply, merge, kOnLow, kOnHigh,
+    {"merge_of_one_leaf_in_apply_sends_all",
+     apply,
+     merge,
+     kOnLow,
+     kOnHigh,
      {{whole(1, {.priority = 1}), power(1), whole(1, {.enabled = 1, .priority = 1})}}},
     {"merge_of_false_removes", apply, merge, kOn, kOff, {{power(0), whole(3, {}), power(0), whole(3, {})}}},
     {"merge_of_a_limit", validate, merge, kNone, kLimit, {{whole(1, {.limit = 20000})}}},
     {"merge_of_a_class", validate, merge, kNone, kClass, {{whole(1, {.powerClass = 4})}}},
-    {"merge_of_the_greatest_limit", validate, merge, kNone, R"({"power-limit":4294967295})", {{whole(1, {.limit = -1})}}},
+    {"merge_of_the_greatest_limit",
+     validate,
+     merge,
+     kNone,
+     R"({"power-limit":4294967295})",
+     {{whole(1, {.limit = -1})}}},
     {"merge_passes_over_a_leaf_that_goes", validate, merge, kOnHigh, kOn, {{whole(1, {})}}},
-    {"merge_from_a_class_to_a_limit", apply, merge, kClass, kLimit,
+    {"merge_from_a_class_to_a_limit",
+     apply,
+     merge,
+     kClass,
+     kLimit,
      {{whole(1, {.limit = 20000}), whole(1, {.limit = 20000})}}},
 
     {"replace", apply, replace, kOn, kOnHigh, {{power(1), whole(2, {.enabled = 1, .priority = 1})}}},
@@ -92,40 +111,72 @@ const Step kSteps[] = {
     {"create_of_a_class", apply, create, kAbsent, kClass, {{whole(1, {.powerClass = 4})}}},
     {"delete_sends_zeros", apply, del, kOnHigh, kAbsent, {{whole(3, {}, 3)}}},
 
-    {"priority_0_is_refused_in_validate_of_merge", validate, merge, kNone, kPriority0, refused(kRange, kRange)},
-    {"priority_4_is_refused_in_validate_of_merge", validate, merge, kNone, kPriority4, refused(kRange, kRange)},
-    {"priority_0_is_refused_in_apply_of_replace", apply, replace, kOnLow, kPriority0, refused(kRange, kRange)},
+    {"priority_0_is_refused_in_validate_of_merge", validate, merge, kNone, kPriority0,
+     refused(kRange, kRange)},
+    {"priority_4_is_refused_in_validate_of_merge", validate, merge, kNone, kPriority4,
+     refused(kRange, kRange)},
+    {"priority_0_is_refused_in_apply_of_replace", apply, replace, kOnLow, kPriority0,
+     refused(kRange, kRange)},
     {"priority_4_is_refused_in_apply_of_create", apply, create, kAbsent, kPriority4, refused(kRange, kRange)},
     {"priority_4_passes_validate_of_create", validate, create, kAbsent, kPriority4},
     {"limit_and_class_merged_together", validate, merge, kNone, kBoth, refused(kTwoLimits, kTwoLimits)},
-    {"limit_class_and_priority_merged_together", validate, merge, kNone, kAllThree, refused(kThree, kThreeLogged)},
+    {"limit_class_and_priority_merged_together", validate, merge, kNone, kAllThree,
+     refused(kThree, kThreeLogged)},
     {"limit_and_class_replaced_together", apply, replace, kOn, kBoth, refused(kTwoLimits, kTwoLimits)},
-    {"limit_class_and_priority_created_together", apply, create, kAbsent, kAllThree, refused(kThree, kThreeLogged)},
-    {"limit_merged_beside_a_class", apply, merge, kClass, kBoth,
+    {"limit_class_and_priority_created_together", apply, create, kAbsent, kAllThree,
+     refused(kThree, kThreeLogged)},
+    {"limit_merged_beside_a_class",
+     apply,
+     merge,
+     kClass,
+     kBoth,
      {{whole(1, {.limit = 20000})}, 4, {"4 " + kTwoLimits}, kTwoLimits}},
-    {"the_power_goes_on_before_a_priority_is_refused", apply, create, kAbsent, R"({"enabled":true,"priority":4})",
+    {"the_power_goes_on_before_a_priority_is_refused",
+     apply,
+     create,
+     kAbsent,
+     R"({"enabled":true,"priority":4})",
      {{power(1)}, 4, {"4 " + kRange}, kRange}},
 
-    {"a_dead_device_fails_the_port_state", validate, merge, kOff, kOn, failure(4, {power(1)}, kNotSet), noAnswer(kCall)},
-    {"a_dead_device_fails_the_walk", validate, merge, kOff, kOn, failure(4, kWalkOfOn), noAnswer(kCall, 1)},
-    {"a_dead_device_fails_the_port_state_of_a_create", apply, create, kAbsent, kOn, failure(4, {power(1)}, kNotSet),
+    {"a_dead_device_fails_the_port_state", validate, merge, kOff, kOn, failure(4, {power(1)}, kNotSet),
      noAnswer(kCall)},
-    {"a_dead_device_fails_a_replace", apply, replace, kOff, kOn, failure(4, {power(1), whole(2, {.enabled = 1})}),
-     noAnswer(kCall, 1)},
-    {"a_dead_device_fails_a_delete", apply, del, kOn, kAbsent, failure(4, {whole(3, {}, 3)}), noAnswer(kCall)},
+    {"a_dead_device_fails_the_walk", validate, merge, kOff, kOn, failure(4, kWalkOfOn), noAnswer(kCall, 1)},
+    {"a_dead_device_fails_the_port_state_of_a_create", apply, create, kAbsent, kOn,
+     failure(4, {power(1)}, kNotSet), noAnswer(kCall)},
+    {"a_dead_device_fails_a_replace", apply, replace, kOff, kOn,
+     failure(4, {power(1), whole(2, {.enabled = 1})}), noAnswer(kCall, 1)},
+    {"a_dead_device_fails_a_delete", apply, del, kOn, kAbsent, failure(4, {whole(3, {}, 3)}),
+     noAnswer(kCall)},
     {"a_refused_port_state_fails_without_words", apply, replace, kOff, kOn, failure(4, {power(1)}, kNotSet),
      refusal(kCall, "no")},
-    {"a_refused_walk_is_only_logged", validate, merge, kNone, kClass, {{whole(1, {.powerClass = 4})}},
+    {"a_refused_walk_is_only_logged",
+     validate,
+     merge,
+     kNone,
+     kClass,
+     {{whole(1, {.powerClass = 4})}},
      refusal(kCall, "no")},
     {"a_refused_delete_is_only_logged", apply, del, kOn, kAbsent, {{whole(3, {}, 3)}}, refusal(kCall, "no")},
-    {"a_refusal_in_the_devices_words", apply, create, kAbsent, kClass,
-     {{whole(1, {.powerClass = 4})}, 4, {"4 no power left"}, "no power left\n"}, refusal(kCall, "no power left")},
-    {"a_refusal_without_words", apply, replace, kOn, kLimit, {{whole(2, {.limit = 20000})}, 4, {"4 "}, "\n"},
+    {"a_refusal_in_the_devices_words",
+     apply,
+     create,
+     kAbsent,
+     kClass,
+     {{whole(1, {.powerClass = 4})}, 4, {"4 no power left"}, "no power left\n"},
+     refusal(kCall, "no power left")},
+    {"a_refusal_without_words",
+     apply,
+     replace,
+     kOn,
+     kLimit,
+     {{whole(2, {.limit = 20000})}, 4, {"4 "}, "\n"},
      refusal(kCall, std::nullopt)},
     {"an_unknown_phase_cannot_occur", static_cast<EditPhase>(4), replace, kOn, kOff,
      failure(4, {}, internalError("rules.h"))},
 };
-INSTANTIATE_TEST_SUITE_P(Table, PoeConfig, testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kOff, kOnHigh)),
+INSTANTIATE_TEST_SUITE_P(Table, PoeConfig,
+                         testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kOff,
+                                                          kOnHigh)),
                          CaseName());
 
 std::string config(const std::string &value)
@@ -135,27 +186,14 @@ std::string config(const std::string &value)
 
 std::string portsWithPoe(const std::string &value)
 {
-    return portsWith(R"(,"openconfig-if-ethernet:ethernet":{"lyn-openconfig-if-poe-aug:poe":{"config":)" + value + "}}");
+    return portsWith(R"(,"openconfig-if-ethernet:ethernet":{"lyn-openconfig-if-poe-aug:poe":{"config":)" +
+                     value + "}}");
 }
 
-TEST(PoeEdit, EveryMethodReachesTheDevice)
+TEST(PoeEdit, TheLastLeafToGoResetsThePort)
 {
-    SwitchBench bench(portsWith());
-    const auto device = [&] { return bench.device().show("poe").at("ports").value("ethernet 1/1/1", switchsim::Json()); };
-    EXPECT_TRUE(bench.patch(kConfig, config(kOnHigh)).ok());
-    EXPECT_EQ(device().at("priority"), 1);
-    EXPECT_EQ(device().at("enabled"), true);
-    EXPECT_TRUE(bench.put(kConfig, config(R"({"enabled":true,"power-limit":20000})")).ok());
-    EXPECT_EQ(device().at("allocated"), 20000);
-    EXPECT_TRUE(bench.put(kConfig + "/enabled", R"({"lyn-openconfig-if-poe-aug:enabled":false})").ok());
-    EXPECT_EQ(device().at("enabled"), false);
-    bench.sent();
-    EXPECT_TRUE(bench.remove(kConfig).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(whole(3, {}, 3)));
-    EXPECT_TRUE(bench.post(kPoe, config(kClass)).ok());
-    EXPECT_EQ(device().at("class"), 4);
-    bench.sent();
-    EXPECT_TRUE(bench.remove(kConfig + "/power-by-class").ok()); // the last leaf
+    SwitchBench bench(portsWithPoe(kClass));
+    EXPECT_TRUE(bench.remove(kConfig + "/power-by-class").ok());
     EXPECT_THAT(bench.sent(), ElementsAre(whole(3, {}, 3)));
 }
 
@@ -188,10 +226,12 @@ TEST(PoeState, IsWhatTheDeviceSays)
     bench.device().setValue("poe-draw", 6'500);
     bench.put(kConfig, config(R"({"enabled":true,"priority":2,"power-by-class":4})"));
     bench.sent();
-    EXPECT_EQ(bench.read(kState, Content::all),
-              R"({"lyn-openconfig-if-poe-aug:state":{"enabled":true,"priority":2,"power-class":4,"power-used":"6500","power-allocated":"30000"}})");
+    EXPECT_EQ(
+        bench.read(kState, Content::all),
+        R"({"lyn-openconfig-if-poe-aug:state":{"enabled":true,"priority":2,"power-class":4,"power-used":"6500","power-allocated":"30000"}})");
     EXPECT_THAT(bench.sent(), ElementsAre(kAsked));
-    EXPECT_EQ(bench.read(kState + "/power-used", Content::all), R"({"lyn-openconfig-if-poe-aug:power-used":"6500"})");
+    EXPECT_EQ(bench.read(kState + "/power-used", Content::all),
+              R"({"lyn-openconfig-if-poe-aug:power-used":"6500"})");
     EXPECT_EQ(bench.read(kState + "/power-by-class", Content::all), ""); // configured only
     for (const auto &fault : {noAnswer(kCall), refusal(kCall, "no")}) {
         bench.device().clearFaults();

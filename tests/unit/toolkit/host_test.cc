@@ -205,7 +205,7 @@ TEST(Operations, InputIsCheckedAndOutputComesBack)
     EXPECT_EQ(add(bench, R"({"toy:input":{"a":1,"b":2}})"), "operation-not-supported ");
     agt_rpc_register_method("toy", "add", operationValidate, addValidate);
     agt_rpc_register_method("toy", "add", operationInvoke, addInvoke);
-    EXPECT_EQ(add(bench, R"({"toy:input":{"a":1,"b":2}})"), R"({"toy:output":{"toy:response":{"sum":3}}})");
+    EXPECT_EQ(add(bench, R"({"toy:input":{"a":1,"b":2}})"), R"({"toy:output":{"response":{"sum":3}}})");
     EXPECT_EQ(add(bench, R"({"toy:input":{"a":1}})"), "invalid-value 261");
     EXPECT_EQ(add(bench, R"({"toy:input":{"b":1}})"), "missing-element "); // mandatory
     EXPECT_EQ(add(bench, R"({"toy:input":{"a":"x"}})"), "invalid-value ");
