@@ -161,8 +161,11 @@ private:
 
     EditOp opOfDifference(const ChangeNode &node, const NodeInfo &info, Around around) const
     {
-        if (!isPlainContainer(node.schema))
-            return opOfExisting(node);
+        if (!isPlainContainer(node.schema)) {
+            const EditOp existing = opOfExisting(node);
+            const bool changed = existing == merge || existing == replace;
+            return changed && (info.options & emptiedIsDelete) && isEmptied(node) ? del : existing;
+        }
         const EditOp op = opOfContainer(node, info, around);
         const bool held = holdsBefore(node), holds = holdsAnything(node.after);
         if (op == noOperation)
@@ -207,6 +210,15 @@ private:
             break;
         }
         return ownLeavesDiffer(node) ? merge : noOperation;
+    }
+
+    // A presence container that still exists, but lost all that it held.
+    bool isEmptied(const ChangeNode &node) const
+    {
+        for (const lyd_node *child = lyd_child(node.after); child; child = child->next)
+            if (holdsAnything(child))
+                return false;
+        return holdsBefore(node);
     }
 
     bool holdsBefore(const ChangeNode &node) const

@@ -64,7 +64,7 @@ constexpr Rule<> kJumboEdit[] = {
 static_assert(noneHidden(kJumboEdit));
 
 constexpr Rule<> kConfigEdit[] = {
-    // when      on        act
+    // when, on, act
     {anyPhase, onDelete, refuse},
     {inApply, onWrite, send},
     {inRollback, onWrite, sendAgain},

@@ -114,11 +114,21 @@ TEST(ForwardingProfileEdit, WhatTheDeviceRefusesIsTakenBack)
                 ElementsAre(Refusal{1042, "operation-failed", "/" + kProfile,
                                     "Error: invalid forwarding profile name\n"}));
     EXPECT_EQ(bench.read(kProfile), body(kOne));
-    EXPECT_EQ(bench.put(kProfile, body(kNone)).status(), 0); // nothing tells the device
     EXPECT_EQ(bench.patch(kProfile, body(kTwo)).status(), 0);
     bench.unplug();
     EXPECT_EQ(bench.remove(kProfile).status(), 4);
     EXPECT_EQ(bench.read(kProfile), body(kTwo));
+}
+
+TEST(ForwardingProfileEdit, LosingItsNameIsADeletion)
+{
+    SwitchBench bench(body(kOne), 4);
+    EXPECT_TRUE(bench.remove(kProfile + "/current-profile-name").ok());
+    EXPECT_THAT(bench.sent(), ElementsAre(request(3, "profile1")));
+    EXPECT_EQ(bench.read(kProfile), body(kNone));
+    EXPECT_TRUE(bench.patch(kProfile, body(kTwo)).ok());
+    EXPECT_TRUE(bench.put(kProfile, body(kNone)).ok());
+    EXPECT_THAT(bench.sent(), ElementsAre(request(1, "profile2"), request(3, "profile2")));
 }
 
 TEST(ForwardingProfilePlatforms, AreFourAndFive)

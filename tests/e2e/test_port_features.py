@@ -256,7 +256,11 @@ class TestEachUnit:
         assert rig.show("forwarding-profile") == {"current": "profile4"}
         refused(rig.agent.patch(profile(), profiles("two words")), 500, 1042, "Error: invalid forwarding profile name\n")
         assert rig.agent.get(profile()).json() == profiles("profile4")
-        run(rig, [("DELETE", profile(), None, 204, sent_profile(3, "profile4"))])
+        run(rig, [
+            ("DELETE", profile("/current-profile-name"), None, 204, sent_profile(3, "profile4")),
+            ("PATCH", profile(), profiles("profile5"), 204, sent_profile(1, "profile5")),
+            ("DELETE", profile(), None, 204, sent_profile(3, "profile5")),
+        ])
 
     def test_poe(self, rig):
         def config(**values):
