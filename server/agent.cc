@@ -2,6 +2,8 @@
 
 #include "server/audit.h"
 #include "server/front_end.h"
+#include "server/netconf/front_end.h"
+#include "server/netconf/monitoring.h"
 #include "server/paths.h"
 #include "server/restconf/capabilities.h"
 #include "server/restconf/front_end.h"
@@ -47,7 +49,9 @@ public:
 
 private:
     void openHost(const ServeOptions &options);
-    void addFrontEnds(net::ip::tcp::acceptor restconf, const ServeOptions &options);
+    void loadStartup(const ServeOptions &options);
+    void addFrontEnds(net::ip::tcp::acceptor restconf, net::ip::tcp::acceptor netconf,
+                      const ServeOptions &options);
     void announce() const;
     void awaitSignal();
     void beginStop();
@@ -63,6 +67,8 @@ private:
     std::unique_ptr<Audit> audit_;
     std::unique_ptr<Device> device_;
     std::unique_ptr<tk::Host> host_;
+    std::unique_ptr<tk::Datastores> stores_;
+    LoginGuard guard_;
     Worker callbacks_{kWaitingCallbacks};
     Worker hashing_{kWaitingHashes};
     std::vector<std::unique_ptr<FrontEnd>> frontEnds_;
@@ -75,32 +81,47 @@ Agent::Agent(const ServeOptions &options)
     users_ = std::make_unique<Users>(options.stateDir);
     audit_ = std::make_unique<Audit>(options.stateDir / "audit.log");
     ensureCertificate(options.stateDir, options.restconf.host);
-    auto acceptor = listenAt(io_, options.restconf);
+    auto restconf = listenAt(io_, options.restconf);
+    auto netconf = listenAt(io_, options.netconf);
     device_ = setUpDevice(options.device);
     openHost(options);
-    addFrontEnds(std::move(acceptor), options);
+    addFrontEnds(std::move(restconf), std::move(netconf), options);
 }
 
 void Agent::openHost(const ServeOptions &options)
 {
     const auto folders = options.moduleDirs.empty() ? defaultModuleDirs() : options.moduleDirs;
-    const auto startup = startupData(options.stateDir, options.factory ? options.factory : defaultFactory());
     host_ = std::make_unique<tk::Host>(tk::HostOptions{folders, options.logLevel});
     for (const char *module : kServerModules)
         host_->loadServerModule(module);
+    netconf::loadModules(*host_);
     host_->loadBundle(bundleLibrary(), options.bundle);
     restconf::provideCapabilities(*host_);
     host_->seal();
-    if (startup)
-        host_->loadStartup(*startup, tk::Encoding::json);
+    loadStartup(options);
     host_->finishStart();
 }
 
-void Agent::addFrontEnds(net::ip::tcp::acceptor restconf, const ServeOptions &options)
+// What is damaged has to be seen, whatever the log level.
+void Agent::loadStartup(const ServeOptions &options)
 {
-    const Services services{io_, *host_, callbacks_, hashing_, *users_, *audit_, options.stateDir};
+    const auto factory = options.factory ? options.factory : defaultFactory();
+    tk::StorageOptions storage{.folder = options.stateDir, .factory = {}};
+    if (factory)
+        storage.factory = readFile(*factory);
+    stores_ = std::make_unique<tk::Datastores>(*host_, std::move(storage));
+    for (const std::string &complaint : stores_->load())
+        std::cerr << "agentd: " << complaint << std::endl;
+}
+
+void Agent::addFrontEnds(net::ip::tcp::acceptor restconf, net::ip::tcp::acceptor netconf,
+                         const ServeOptions &options)
+{
+    const Services services{io_,     *host_, *stores_, callbacks_,      hashing_,
+                            *users_, guard_, *audit_,  options.stateDir};
     frontEnds_.push_back(std::make_unique<restconf::RestconfFrontEnd>(services, std::move(restconf),
                                                                       serverContext(options.stateDir)));
+    frontEnds_.push_back(std::make_unique<netconf::NetconfFrontEnd>(services, std::move(netconf)));
 }
 
 void Agent::run()
@@ -118,11 +139,10 @@ void Agent::run()
     finishStop();
 }
 
-// The second front end takes the place of the "-".
 void Agent::announce() const
 {
-    const std::string netconf = frontEnds_.size() > 1 ? frontEnds_[1]->address() : "-";
-    std::cout << "ready restconf=" << frontEnds_[0]->address() << " netconf=" << netconf << std::endl;
+    std::cout << "ready restconf=" << frontEnds_[0]->address() << " netconf=" << frontEnds_[1]->address()
+              << std::endl;
 }
 
 // Only now: until there is something to end cleanly, a signal ends the process as usual, also while the start
@@ -176,8 +196,10 @@ void Agent::finishStop()
     device_->interrupt();
     const auto deadline = Clock::now() + kGraceForCallbacks;
     const bool hashesEnded = hashing_.stop(deadline);
-    if (callbacks_.stop(deadline) && hashesEnded)
+    if (callbacks_.stop(deadline) && hashesEnded) {
+        stores_->finishSaving(); // those who wait for it are the front ends'
         return;
+    }
     log_error("agentd: stopped while a request waited for the switch\n");
     std::_Exit(EXIT_SUCCESS);
 }

@@ -28,9 +28,10 @@ class Authenticator {
 public:
     using Done = std::function<void(Login)>;
 
-    Authenticator(Users &users, Worker &hashing)
+    Authenticator(Users &users, Worker &hashing, LoginGuard &guard)
         : users_(users)
         , hashing_(hashing)
+        , guard_(guard)
     {
     }
 
@@ -49,7 +50,7 @@ private:
 
     Users &users_;
     Worker &hashing_;
-    LoginGuard guard_;
+    LoginGuard &guard_;
 };
 
 } // namespace agentd

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "server/audit.h"
+#include "server/login_guard.h"
 #include "server/users.h"
 #include "server/worker.h"
+#include "toolkit/datastores.h"
 #include "toolkit/host.h"
 
 #include <boost/asio/io_context.hpp>
@@ -16,9 +18,11 @@ namespace agentd {
 struct Services {
     boost::asio::io_context &io; // run by a small fixed number of threads: nothing on it may block
     tk::Host &host;
+    tk::Datastores &stores;
     Worker &callbacks; // for everything of the host that may call back into the bundle
     Worker &hashing;   // for password hashes
     Users &users;
+    LoginGuard &guard; // one for all: an address has no more attempts for knowing several protocols
     Audit &audit;
     std::filesystem::path stateDir;
 };

@@ -26,13 +26,4 @@ FileHandle takeStateFolder(const std::filesystem::path &stateDir)
     return lock;
 }
 
-std::optional<std::string> startupData(const std::filesystem::path &stateDir,
-                                       const std::optional<std::filesystem::path> &factory)
-{
-    const auto own = stateDir / "startup.json";
-    if (std::filesystem::exists(own))
-        return readFile(own);
-    return factory ? std::optional(readFile(*factory)) : std::nullopt;
-}
-
 } // namespace agentd

@@ -4,8 +4,6 @@
 #include "server/files.h"
 
 #include <filesystem>
-#include <optional>
-#include <string>
 
 namespace agentd {
 
@@ -15,10 +13,5 @@ void makeStateFolder(const std::filesystem::path &stateDir);
 // makeStateFolder(), and takes the folder until the handle is gone. Throws std::system_error, or
 // std::runtime_error if another agentd has it.
 FileHandle takeStateFolder(const std::filesystem::path &stateDir);
-
-// The startup data, JSON text: DIR/startup.json, else the factory's file, else nothing.
-// Throws std::system_error naming a file that is there but cannot be read.
-std::optional<std::string> startupData(const std::filesystem::path &stateDir,
-                                       const std::optional<std::filesystem::path> &factory);
 
 } // namespace agentd

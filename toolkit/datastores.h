@@ -120,6 +120,8 @@ public:
     // cannot be: calls `done` with what went wrong or with null, from any thread and perhaps at once.
     using Saved = std::function<void(const Failure *)>;
     void whenSaved(std::uint64_t record, Saved done);
+    // Comes back when all that was written is on disk, or cannot be, and everybody who waits for it was told.
+    void finishSaving();
 
     class Impl;
 

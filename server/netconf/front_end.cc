@@ -35,11 +35,10 @@ SshBindHandle preparedBind(const std::filesystem::path &stateDir)
 
 } // namespace
 
-NetconfFrontEnd::NetconfFrontEnd(const Services &services, tk::Datastores &stores,
-                                 net::ip::tcp::acceptor acceptor, SshLimits limits)
+NetconfFrontEnd::NetconfFrontEnd(const Services &services, net::ip::tcp::acceptor acceptor, SshLimits limits)
     : address_(boundAddress(acceptor))
-    , dispatcher_(services.host, stores, sessions_, services.callbacks, services.audit)
-    , authenticator_(services.users, services.hashing)
+    , dispatcher_(services.host, services.stores, sessions_, services.callbacks, services.audit)
+    , authenticator_(services.users, services.hashing, services.guard)
     , environment_{authenticator_,
                    services.users,
                    services.audit,
@@ -52,9 +51,10 @@ NetconfFrontEnd::NetconfFrontEnd(const Services &services, tk::Datastores &store
     , listener_(services.io, std::move(acceptor), preparedBind(services.stateDir), environment_)
 {
     allowDescriptors();
-    services.host.addStateProvider("ietf-netconf-monitoring", [this, &host = services.host, &stores] {
-        return netconfState(host, stores, sessions_);
-    });
+    services.host.addStateProvider("ietf-netconf-monitoring",
+                                   [this, &host = services.host, &stores = services.stores] {
+                                       return netconfState(host, stores, sessions_);
+                                   });
     dispatcher_.onDeadlineChange([this] { net::post(strand_, [this] { watchDeadline(); }); });
 }
 

@@ -3,7 +3,6 @@
 
 #include "server/front_end.h"
 #include "server/netconf/ssh_listener.h"
-#include "toolkit/datastores.h"
 
 namespace agentd::netconf {
 
@@ -11,8 +10,7 @@ class NetconfFrontEnd : public FrontEnd {
 public:
     // `acceptor` listens already. Makes the host key where it is missing. Throws SshError or
     // std::system_error.
-    NetconfFrontEnd(const Services &services, tk::Datastores &stores, boost::asio::ip::tcp::acceptor acceptor,
-                    SshLimits limits = {});
+    NetconfFrontEnd(const Services &services, boost::asio::ip::tcp::acceptor acceptor, SshLimits limits = {});
 
     std::string address() const override; // HOST:PORT
     void start() override;

@@ -20,9 +20,9 @@ constexpr const char *kCapabilities[] = {
     "urn:ietf:params:netconf:capability:validate:1.1",
     "urn:ietf:params:netconf:capability:startup:1.0",
     "urn:ietf:params:netconf:capability:xpath:1.0",
-    "urn:ietf:params:netconf:capability:with-defaults:1.0?basic-mode=explicit"
-    "&also-supported=report-all,report-all-tagged,trim",
 };
+constexpr char kWithDefaults[] = "urn:ietf:params:netconf:capability:with-defaults:1.0?basic-mode=explicit"
+                                 "&also-supported=report-all,report-all-tagged,trim";
 constexpr char kLibraryModule[] = "ietf-yang-library";
 
 template <class Items>
@@ -133,6 +133,7 @@ json statisticsOf(const Sessions &sessions)
 std::vector<std::string> serverCapabilities(const tk::Host &host)
 {
     std::vector<std::string> capabilities(std::begin(kCapabilities), std::end(kCapabilities));
+    capabilities.emplace_back(kWithDefaults);
     for (const tk::ModuleInfo &module : host.modules()) {
         if (module.name == kLibraryModule)
             capabilities.push_back("urn:ietf:params:netconf:capability:yang-library:1.1?revision=" +

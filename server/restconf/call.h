@@ -7,6 +7,7 @@
 #include "server/restconf/uri.h"
 #include "toolkit/host.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -20,6 +21,7 @@ struct Call {
     Offer answer;                     // what the client reads
     std::optional<tk::Target> target; // of data resources and operations
     std::optional<ResourceKind> kind; // once it is known
+    std::uint64_t record = 0;         // of an edit that is carried out and not yet safely on disk
 };
 
 // What is left to do when a request was understood.

@@ -132,9 +132,10 @@ std::string absolute(const HttpMessage &message, const std::string &path)
     return host.empty() ? path : "https://" + std::string(host) + path;
 }
 
-HttpResponse answerEdit(tk::Host &host, const Call &call, const tk::EditRequest &edit)
+HttpResponse answerEdit(tk::Host &host, Call &call, const tk::EditRequest &edit)
 {
     const tk::EditOutcome outcome = host.edit(edit);
+    call.record = outcome.record;
     HttpResponse response = emptyAnswer(outcome.created ? http::status::created : http::status::no_content);
     if (outcome.created) {
         const tk::Target &resource = outcome.resource ? *outcome.resource : edit.target;
@@ -158,6 +159,7 @@ tk::EditRequest editOf(tk::Host &host, Call &call, tk::Method method)
         edit.body = std::move(call.request.message.body());
     }
     edit.insert = insertOf(host, query);
+    edit.saveLater = true;
     return edit;
 }
 

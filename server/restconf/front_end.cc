@@ -8,8 +8,8 @@ RestconfFrontEnd::RestconfFrontEnd(const Services &services, boost::asio::ip::tc
                                    boost::asio::ssl::context tls)
     : address_("https://" + boundAddress(acceptor))
     , tls_(std::move(tls))
-    , authenticator_(services.users, services.hashing)
-    , handler_(services.host, services.callbacks, services.audit)
+    , authenticator_(services.users, services.hashing, services.guard)
+    , handler_(services.host, services.callbacks, services.audit, &services.stores)
     , environment_{tls_, authenticator_, handler_, {}}
     , listener_(services.io, std::move(acceptor), environment_)
 {

@@ -105,10 +105,11 @@ Plan planOptions(const CallPointer &call)
 
 } // namespace
 
-Handler::Handler(tk::Host &host, Worker &callbacks, Audit &audit)
+Handler::Handler(tk::Host &host, Worker &callbacks, Audit &audit, tk::Datastores *stores)
     : host_(host)
     , callbacks_(callbacks)
     , audit_(audit)
+    , stores_(stores)
 {
     for (const tk::ModuleInfo &module : host.modules()) {
         namespaces_.insert_or_assign(module.name, module.nameSpace);
@@ -210,11 +211,23 @@ Plan Handler::planApi(const CallPointer &call) const
 
 void Handler::carryOut(const CallPointer &call, Plan plan, const Reply &reply)
 {
-    auto job = [this, call, run = std::move(plan.run), reply] { finish(*call, attempt(*call, run), reply); };
+    auto job = [this, call, run = std::move(plan.run), reply] {
+        finishSaved(call, attempt(*call, run), reply);
+    };
     if (!plan.blocks)
         job();
     else if (!callbacks_.post(std::move(job)))
         finish(*call, answerOf(*call, busy("too many requests wait for the switch")), reply);
+}
+
+// While one edit is written to the disk the next one is carried out, and they share what comes next.
+void Handler::finishSaved(const CallPointer &call, HttpResponse response, const Reply &reply)
+{
+    if (!call->record || !stores_)
+        return finish(*call, std::move(response), reply);
+    stores_->whenSaved(call->record, [this, call, response, reply](const tk::Failure *failure) {
+        finish(*call, failure ? answerOf(*call, *failure) : response, reply);
+    });
 }
 
 void Handler::finish(const Call &call, HttpResponse response, const Reply &reply)

@@ -9,6 +9,7 @@
 #include "server/restconf/discovery.h"
 #include "server/restconf/errors.h"
 #include "server/worker.h"
+#include "toolkit/datastores.h"
 #include "toolkit/host.h"
 
 #include <map>
@@ -21,8 +22,9 @@ namespace agentd::restconf {
 class Handler : public HttpService {
 public:
     // `callbacks` carries out what may wait for a daemon; everything else is answered on the calling thread.
-    // The host has finished its start. All three outlive the handler and its calls.
-    Handler(tk::Host &host, Worker &callbacks, Audit &audit);
+    // The host has finished its start. `stores`: an edit is answered when they have it on disk. All outlive
+    // the handler and its calls.
+    Handler(tk::Host &host, Worker &callbacks, Audit &audit, tk::Datastores *stores = nullptr);
 
     void serve(HttpRequest request, Reply reply) override;
     HttpResponse refuse(HttpFault fault, const HttpRequest &request) override;
@@ -33,6 +35,7 @@ private:
     Plan planAction(Action action, const CallPointer &call) const;
     Plan planApi(const CallPointer &call) const;
     void carryOut(const CallPointer &call, Plan plan, const Reply &reply);
+    void finishSaved(const CallPointer &call, HttpResponse response, const Reply &reply);
     void finish(const Call &call, HttpResponse response, const Reply &reply);
     HttpResponse attempt(const Call &call, const std::function<HttpResponse()> &action) const;
     HttpResponse answerOf(const Call &call, const RequestError &error) const;
@@ -43,6 +46,7 @@ private:
     tk::Host &host_;
     Worker &callbacks_;
     Audit &audit_;
+    tk::Datastores *stores_;
     std::map<std::string, std::string> namespaces_; // of the modules by name: they no longer change
     std::string libraryVersion_;
     std::vector<OperationName> operations_;

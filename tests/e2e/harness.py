@@ -200,6 +200,16 @@ class Agent:
     def audit(self):
         return (self.state / "audit.log").read_text().splitlines()
 
+    def audited(self, *words, seconds=5):
+        """The last line of the audit trail with all these words, which may be on its way."""
+        deadline = time.monotonic() + seconds
+        while True:
+            found = [line for line in self.audit() if all(word in line for word in words)]
+            if found:
+                return found[-1]
+            assert time.monotonic() < deadline, f"nothing with {words} in the audit trail"
+            time.sleep(0.02)
+
 
 def switchctl(*words):
     """Runs switchctl, which has to succeed. Returns what it prints."""

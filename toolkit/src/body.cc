@@ -112,7 +112,8 @@ const lysc_node *caseOf(const lysc_node *node, const lysc_node *choice)
 
 void checkCases(const lyd_node *node, const lyd_node *firstSibling)
 {
-    for (const lysc_node *up = node->schema->parent; up && (up->nodetype & (LYS_CHOICE | LYS_CASE)); up = up->parent)
+    for (const lysc_node *up = node->schema->parent; up && (up->nodetype & (LYS_CHOICE | LYS_CASE));
+         up = up->parent)
         if (up->nodetype == LYS_CHOICE)
             for (const lyd_node *other = firstSibling; other != node; other = other->next)
                 if (const lysc_node *its = caseOf(other->schema, up); its && its != caseOf(node->schema, up))
@@ -136,8 +137,8 @@ void checkShape(const lyd_node *firstSibling)
     }
 }
 
-void parse(const ly_ctx *context, const std::string &text, Encoding encoding, std::uint32_t options, lyd_node *parent,
-           Tree &tree)
+void parse(const ly_ctx *context, const std::string &text, Encoding encoding, std::uint32_t options,
+           lyd_node *parent, Tree &tree)
 {
     ly_in *in = nullptr;
     if (ly_in_new_memory(text.c_str(), &in))
@@ -145,8 +146,9 @@ void parse(const ly_ctx *context, const std::string &text, Encoding encoding, st
     clearErrors(context);
     lyd_node *parsed = nullptr;
     const LYD_FORMAT format = encoding == Encoding::json ? LYD_JSON : LYD_XML;
-    const LY_ERR result = lyd_parse_data(context, parent, in, format, LYD_PARSE_ONLY | LYD_PARSE_STRICT | options, 0,
-                                         parent ? nullptr : &parsed);
+    const LY_ERR result =
+        lyd_parse_data(context, parent, in, format, LYD_PARSE_ONLY | LYD_PARSE_STRICT | options, 0,
+                       parent ? nullptr : &parsed);
     ly_in_free(in, 0);
     if (!parent)
         tree.reset(parsed);
@@ -155,16 +157,33 @@ void parse(const ly_ctx *context, const std::string &text, Encoding encoding, st
     checkShape(parent ? lyd_child(parent) : parsed);
 }
 
+// Nothing that could be taken for an order is passed over in silence.
+void refuseMetadata(const lyd_node *top)
+{
+    const lyd_node *node = nullptr;
+    for (; top; top = top->next) {
+        LYD_TREE_DFS_BEGIN(top, node)
+        {
+            if (node->meta)
+                throw unknownAttribute(instancePath(node), node->schema->name, node->meta->name);
+            LYD_TREE_DFS_END(top, node);
+        }
+    }
+}
+
 } // namespace
 
-void parseConfig(const ly_ctx *context, const std::string &text, Encoding encoding, lyd_node *parent, Tree &tree)
+void parseConfig(const ly_ctx *context, const std::string &text, Encoding encoding, lyd_node *parent,
+                 Tree &tree)
 {
     if (isBlank(text))
         throw malformed("The request needs a body.");
     parse(context, text, encoding, LYD_PARSE_NO_STATE, parent, tree);
+    refuseMetadata(parent ? parent : tree.get());
 }
 
-void parseData(const ly_ctx *context, const std::string &text, Encoding encoding, lyd_node *parent, Tree &tree)
+void parseData(const ly_ctx *context, const std::string &text, Encoding encoding, lyd_node *parent,
+               Tree &tree)
 {
     parse(context, text, encoding, 0, parent, tree);
 }

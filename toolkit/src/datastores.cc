@@ -509,11 +509,10 @@ void Datastores::Impl::commit(SessionId session, const CommitRequest &request)
         unconfirmed_.reset();
         return;
     }
-    if (!unconfirmed_)
-        unconfirmed_.emplace().before = std::move(before);
-    unconfirmed_->session = session;
-    unconfirmed_->persist = request.persist;
-    unconfirmed_->deadline = std::chrono::steady_clock::now() + request.timeout;
+    if (unconfirmed_)
+        before = std::move(unconfirmed_->before);
+    const auto deadline = std::chrono::steady_clock::now() + request.timeout;
+    unconfirmed_ = Unconfirmed{std::move(before), session, request.persist, deadline};
 }
 
 void Datastores::Impl::cancelCommit(SessionId session, const std::optional<std::string> &persistId)
@@ -688,6 +687,11 @@ std::string Datastores::invoke(const std::string &operation)
 void Datastores::whenSaved(std::uint64_t record, Saved done)
 {
     impl_->whenSaved(record, std::move(done));
+}
+
+void Datastores::finishSaving()
+{
+    impl_->finishSaving();
 }
 
 } // namespace tk

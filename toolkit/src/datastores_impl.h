@@ -35,6 +35,7 @@ public:
     std::optional<LockInfo> lockOf(Datastore store) const;
     std::string invoke(const std::string &operation);
     void whenSaved(std::uint64_t record, Saved done);
+    void finishSaving() { storage_.finishSaving(); }
 
     Tree copyStore(Datastore store) const;
     Tree parseConfigElement(const std::string &config) const;
@@ -59,7 +60,7 @@ private:
     };
     struct Unconfirmed {
         Tree before; // running before the first of the commits
-        SessionId session = 0;
+        SessionId session;
         std::optional<std::string> persist;
         std::chrono::steady_clock::time_point deadline;
     };

@@ -20,7 +20,7 @@ void emit(tk::LogKind kind, const char *text)
         std::fputs(text, stderr);
 }
 
-void write(int level, tk::LogKind kind, const char *format, va_list arguments)
+[[gnu::format(printf, 3, 0)]] void write(int level, tk::LogKind kind, const char *format, va_list arguments)
 {
     if (currentLevel < level)
         return;

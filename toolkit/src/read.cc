@@ -56,6 +56,13 @@ unsigned depthOf(const ReadRequest &request)
     return request.depth ? request.depth : kUnlimited;
 }
 
+// libyang passes over a container that looks like one that it made itself a moment ago.
+void addDefaultsBelow(lyd_node *node)
+{
+    node->flags &= ~static_cast<std::uint32_t>(LYD_NEW);
+    lyd_new_implicit_tree(node, LYD_IMPLICIT_NO_STATE, nullptr);
+}
+
 // The level of the target's own children: a datastore is a level of its own.
 void takeSiblings(const std::vector<lyd_node *> &siblings, const Changes *before, const Selection &selection,
                   unsigned depth, Answer &answer)
@@ -210,7 +217,7 @@ void Host::Impl::addDefaults(const Target::Node &target, const Selection &wanted
         if (!parent && target.schema()->nodetype == LYS_LEAF && isReachable(target, above, answer.root)) {
             // A leaf that only its default fills appears with its parent's defaults.
             if (lyd_node *around = answer.makeSteps(target, above))
-                lyd_new_implicit_tree(around, LYD_IMPLICIT_NO_STATE, nullptr);
+                addDefaultsBelow(around);
             parent = findTarget(answer.root, target);
         }
         if (!parent)
@@ -222,7 +229,7 @@ void Host::Impl::addDefaults(const Target::Node &target, const Selection &wanted
         lyd_node *into = filtered.makeSteps(target, above);
         for (lyd_node *node : nodes) {
             if (node->schema->nodetype & LYD_NODE_INNER)
-                lyd_new_implicit_tree(node, LYD_IMPLICIT_NO_STATE, nullptr);
+                addDefaultsBelow(node);
             if (lyd_node *copy = copyWanted(node, nullptr, wanted, depth, into); !into)
                 filtered.add(copy);
         }
@@ -233,8 +240,8 @@ void Host::Impl::addDefaults(const Target::Node &target, const Selection &wanted
 // A container without presence is there as soon as what is around it is.
 bool Host::Impl::existsByItself(const Target::Node &target, lyd_node *results)
 {
-    return !target.steps.empty() && isPlainContainer(target.schema())
-        && isReachable(target, target.steps.size() - 1, results);
+    return !target.steps.empty() && isPlainContainer(target.schema()) &&
+        isReachable(target, target.steps.size() - 1, results);
 }
 
 // Whether the entries among the first steps exist.

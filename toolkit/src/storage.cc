@@ -162,7 +162,7 @@ StoredData Storage::open(std::vector<std::string> &complaints)
         renameOrFail(withSuffix(log_, ".new"), log_);
         syncFolder(folder_);
         written_ = saved_ = fresh->last;
-    } else if (!bytes) {
+    } else if (!bytes || (log && !log->base.exists && log->records.empty() && log->fault.empty())) {
         establish(data, false); // new, or put there by somebody
     } else {
         data = openPrevious(log, complaints);
@@ -193,7 +193,7 @@ StoredData Storage::openPrevious(const std::optional<LogContent> &current,
     } else {
         complaint += ", and neither is the one before; what the factory gives is used";
     }
-    complaints.push_back(complaint);
+    complaints.push_back(complaint + " (to use it as it is, remove " + nameOf(log_) + ")");
     keepDamaged(base_, complaints);
     keepDamaged(log_, complaints);
     establish(data, false);
@@ -300,6 +300,12 @@ void Storage::whenSaved(std::uint64_t record, Saved done)
     done(failure ? &*failure : nullptr);
 }
 
+void Storage::finishSaving()
+{
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return (written_ <= saved_ || broken_) && !isSyncing_ && !isTelling_; });
+}
+
 void Storage::rewrite(const std::optional<std::string> &base, bool sameData)
 {
     std::unique_lock lock(mutex_);
@@ -382,10 +388,13 @@ void Storage::finish(std::unique_lock<std::mutex> &lock)
         done.push_back(std::move(entry->second));
     waiting_.erase(waiting_.begin(), end);
     const auto failure = broken_;
+    isTelling_ = true;
     lock.unlock();
     for (const Saved &tell : done)
         tell(failure ? &*failure : nullptr);
     lock.lock();
+    isTelling_ = false;
+    changed_.notify_all();
 }
 
 } // namespace tk

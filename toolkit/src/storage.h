@@ -53,6 +53,8 @@ public:
     // Calls `done` once the record is safely on disk, with null, or with the reason why it never will be.
     using Saved = std::function<void(const std::string *)>;
     void whenSaved(std::uint64_t record, Saved done);
+    // Waits until nothing is left to be synced and everybody was told.
+    void finishSaving();
 
     // Replaces the file (nothing: removes it) and begins a new log; all is safe when this returns.
     // `sameData`: the new file holds what the old one and its log hold, so that they can stand in for it.
@@ -81,7 +83,7 @@ private:
     std::size_t logSize_ = 0, baseSize_ = 0, beforeLast_ = 0;
     std::uint64_t written_ = 0, saved_ = 0; // numbers of records
     std::optional<std::string> broken_;
-    bool hasBase_ = false, isSyncing_ = false, isStopping_ = false;
+    bool hasBase_ = false, isSyncing_ = false, isTelling_ = false, isStopping_ = false;
     std::multimap<std::uint64_t, Saved> waiting_;
     std::thread syncer_; // last: it uses everything above
 };

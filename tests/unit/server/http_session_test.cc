@@ -158,7 +158,7 @@ protected:
     }
     void serve()
     {
-        authenticator = std::make_unique<Authenticator>(*users, hashing);
+        authenticator = std::make_unique<Authenticator>(*users, hashing, guard);
         environment =
             std::make_unique<HttpEnvironment>(HttpEnvironment{*tls, *authenticator, service, limits});
         auto acceptor = listenAt(io, {"127.0.0.1", 0});
@@ -178,6 +178,7 @@ protected:
 
     test::TemporaryFolder folder;
     std::unique_ptr<Users> users;
+    LoginGuard guard;
     std::optional<net::ssl::context> tls;
     EchoService service;
     HttpLimits limits;

@@ -43,10 +43,10 @@ def ntp(**fields):
     return "ui_fe_ntp_global_config", {"flag": 2, **fields}
 
 
-def plugin(tag, op, key, value, **sub):
-    entry = {"op": op, "key": key, "value": value}
+def plugin(tag, op, name, value, **sub):
+    entry = {"op": op, "key": name, "value": value}
     if sub:
-        entry["sub"] = [{"key": name.strip("_").replace("_", "-"), "value": text} for name, text in sub.items()]
+        entry["sub"] = [{"key": word.strip("_").replace("_", "-"), "value": text} for word, text in sub.items()]
     return "ui_fe_plugin_config_send", {"plugin": tag, "entries": [entry]}
 
 
@@ -89,8 +89,8 @@ def test_names_time_and_logging(switch):
     body = {"openconfig-system:servers": {"server": [name_server(address) for address in three]}}
     assert switch.puts(servers, body) == [dns(2, *three)]
     assert switch.posts(servers, {"openconfig-system:server": [name_server("10.0.0.4")]}) == [dns(1, "10.0.0.4")]
-    assert switch.put(servers + "/server=10.0.0.5", {"openconfig-system:server": [name_server("10.0.0.5")]}
-                      ).status_code == 400, "the switch takes four"
+    fifth = switch.put(servers + "/server=10.0.0.5", {"openconfig-system:server": [name_server("10.0.0.5")]})
+    assert errors_of(fifth)[0]["error-app-tag"] == "too-many-elements", "the switch takes four"
     assert switch.deletes(servers + "/server=10.0.0.2") == [dns(3, "10.0.0.2")]
 
     assert switch.puts(SYSTEM + "/ntp/config", {"openconfig-system:config": {"enabled": True}}) == [
@@ -154,10 +154,11 @@ def test_users_and_servers(switch):
     assert switch.deletes(admin) == [plugin("USERDB", "DELETE", "username", "admin-user")]
     assert switch.deletes(login) == [
         ("ui_fe_aaa_set", {"opcode": 1, "delete_flag": 1, "login_methods": "local radius"})]
-    # The RADIUS config and its parents each ask; the last one has what the server's config left.
-    gone = radius(3, **server)
+    # The RADIUS config and its parents each ask. What a server's config leaves is taken by the next request: here
+    # what the TACACS+ server left, and then what this server's own config leaves on its way out.
+    gone, gone_and_left = radius(3, **server), radius(3, **server, **left)
     assert switch.deletes(GROUPS + "/server-group=radius-default-group/servers/server=10.9.0.1") == [
-        gone, gone, radius(3, **server, **left)]
+        gone_and_left, gone, gone_and_left]
 
     everything = switch.log + switch.switch("journal") + switch.switch("show") + "".join(switch.audit())
     for secret in (PASSWORD, HASH, SECRET):
