@@ -92,7 +92,8 @@ private:
             return;
         }
         PortPower wanted = ports_[name];
-        if (request.port_config != nullptr)
+        // A request that sets values carries a state too, a zero where nothing was said of it.
+        if (request.port_config != nullptr && opcode == kSetState)
             wanted.isEnabled = request.port_config->enabled != 0;
         if (opcode == kRemove)
             wanted.isEnabled = false;

@@ -267,10 +267,13 @@ class TestEachUnit:
             return {f"{POE}:config": {name.replace("_", "-"): value for name, value in values.items()}}
 
         walk = sent_power(8, 1), sent_poe(8, 1, priority=1, enabled=1)
+        urgent = (sent_poe(8, 1, priority=2),)  # names no state, and leaves the port its power
         run(rig, [
             ("PATCH", poe(8), config(enabled=True, priority=1), 204, *walk, *walk, *walk, *walk),
-            ("PUT", poe(8), config(enabled=True, priority=2, power_limit=20000), 204,
-             sent_power(8, 1), sent_poe(8, 2, limit=20000, priority=2, enabled=1)),
+            ("PUT", poe(8), config(enabled=True, priority=3, power_limit=20000), 204,
+             sent_power(8, 1), sent_poe(8, 2, limit=20000, priority=3, enabled=1)),
+            ("PATCH", poe(8), config(priority=2), 204, *urgent, *urgent, sent_power(8, 1),
+             sent_poe(8, 1, limit=20000, priority=2, enabled=1), *urgent),
         ])
         rig.switch("set", "poe-draw", 6500)
         with rig.sending(asked_poe(8)):
