@@ -34,6 +34,28 @@ Json asJson(const Line &line)
     return json;
 }
 
+// Keys of which the switch has one line: a new value takes the place of the old one.
+constexpr std::pair<std::string_view, std::string_view> kSingle[] = {
+    {"AAA", "authentication-method"},
+    {"AAA", "authorization-method"},
+    {"TACACS", "tacacs-server retransmit"},
+};
+
+bool isSingle(std::string_view plugin, std::string_view key)
+{
+    return std::find(std::begin(kSingle), std::end(kSingle), std::pair(plugin, key)) != std::end(kSingle);
+}
+
+// A user has a password, clear or hashed.
+bool lacksPassword(std::string_view plugin, const Line &line)
+{
+    const auto isPassword = [](const auto &sub) {
+        return (sub.first == "password" || sub.first == "1") && !sub.second.empty();
+    };
+    return plugin == "USERDB" && line.key == "username" &&
+        std::none_of(line.sub.begin(), line.sub.end(), isPassword);
+}
+
 constexpr std::size_t kMostLines = 4096; // of a plug-in
 constexpr std::size_t kMostPlugins = 64;
 
@@ -84,9 +106,12 @@ private:
         Line line{textOf(entry.key), textOf(entry.value), {}};
         for (std::size_t i = 0; i < entry.n_sub; i++)
             line.sub.emplace_back(textOf(entry.sub[i]->key), textOf(entry.sub[i]->value));
+        if (lacksPassword(plugin, line))
+            return answering.refuse("Error: user " + line.value + " needs a password\n");
         auto &lines = lines_[plugin];
-        const auto same =
-            std::find_if(lines.begin(), lines.end(), [&](const Line &old) { return old.isFor(entry); });
+        const auto same = std::find_if(lines.begin(), lines.end(), [&](const Line &old) {
+            return old.isFor(entry) || (old.key == line.key && isSingle(plugin, line.key));
+        });
         if (same != lines.end())
             *same = std::move(line);
         else if (lines.size() < kMostLines && lines_.size() <= kMostPlugins)

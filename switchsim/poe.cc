@@ -93,7 +93,7 @@ private:
         }
         PortPower wanted = ports_[name];
         // A request that sets values carries a state too, a zero where nothing was said of it.
-        if (request.port_config != nullptr && opcode == kSetState)
+        if (request.port_config != nullptr && (opcode == kSetState || request.port_config->enabled != 0))
             wanted.isEnabled = request.port_config->enabled != 0;
         if (opcode == kRemove)
             wanted.isEnabled = false;

@@ -341,11 +341,12 @@ TEST_P(Clients, RateLimitsAreKeptByPortAndClass)
     EXPECT_EQ(sendRateLimit("ethernet 1/1/5", 2, 1, 0, 0), 2);
 }
 
-PluginProcessResponse *sendToPlugin(const char *op, const char *key, const char *value)
+PluginProcessResponse *sendToPlugin(const char *op, const char *key, const char *value,
+                                    const char *plugin = "ZQ_SYSLOG")
 {
     PluginConfig request;
     PluginStorage storage;
-    ui_plugin_config_init(&request, &storage, "ZQ_SYSLOG");
+    ui_plugin_config_init(&request, &storage, plugin);
     ui_fe_plugin_update_kv_count(&request, op, key, value, 1);
     return ui_fe_plugin_config_send(&request, 2);
 }
@@ -372,6 +373,18 @@ TEST_P(Clients, APluginKeepsLinesAndGivesThemBack)
     EXPECT_EQ(device().show("plugins")["ZQ_SYSLOG"].size(), 1U);
     plugin_process_response__free_unpacked(sendToPlugin("FROB", "logging host", "x"), nullptr);
     EXPECT_EQ(lastLine()["answer"]["reply"]["ui_err"], 1);
+}
+
+TEST_P(Clients, APluginHasOneLineOfSomeKeysAndNoUserWithoutPassword)
+{
+    for (const char *attempts : {"3", "5"})
+        plugin_process_response__free_unpacked(
+            sendToPlugin("SET", "tacacs-server retransmit", attempts, "TACACS"), nullptr);
+    EXPECT_EQ(device().show("plugins")["TACACS"],
+              Json::parse(R"([{"key": "tacacs-server retransmit", "value": "5"}])"));
+    plugin_process_response__free_unpacked(sendToPlugin("SET", "username", "joe", "USERDB"), nullptr);
+    EXPECT_EQ(lastLine()["answer"]["reply"]["ui_err"], 1);
+    EXPECT_FALSE(device().show("plugins").contains("USERDB"));
 }
 
 TEST_P(Clients, PluginSecretsAreSeenByTheirLengthOnly)
