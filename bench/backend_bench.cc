@@ -4,21 +4,16 @@
 #include "backend/qos.h"
 #include "backend/transport.h"
 #include "backend/unix_socket.h"
+#include "bench/collector.h"
 #include "switchsim/simulator.h"
 #include "switchsim/socket_server.h"
 #include "switchsim/switch.h"
 
-#include <benchmark/benchmark.h>
-
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <map>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -104,37 +99,9 @@ void socketEcho(benchmark::State &state)
     echo.join();
 }
 
-// Keeps every run's time, so that medians can be compared.
-class Collector : public benchmark::ConsoleReporter {
-public:
-    Collector()
-        : ConsoleReporter(OO_None)
-    {
-    }
-
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs) {
-            if (run.run_type == Run::RT_Iteration)
-                times_[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    double median(const std::string &name)
-    {
-        auto &times = times_.at(name);
-        std::sort(times.begin(), times.end());
-        return times[times.size() / 2];
-    }
-
-private:
-    std::map<std::string, std::vector<double>> times_; // microseconds
-};
-
 void compare(Collector &collector, const char *name, const char *base, double aim)
 {
-    const double mine = collector.median(name), bare = collector.median(base);
+    const double mine = 1e6 * collector.median(name), bare = 1e6 * collector.median(base);
     std::printf("%-14s %8.2f us = %6.2f x %-15s (%7.2f us): %+7.2f us, aim %+.0f us: %s\n", name, mine,
                 mine / bare, base, bare, mine - bare, aim, mine - bare <= aim ? "met" : "missed");
 }
