@@ -42,7 +42,7 @@ public:
         ModuleHandle *module = nullptr;
         if (ncxmod_load_module("checks", nullptr, agt_get_savedevQ(), &module))
             throw std::runtime_error("the module does not load");
-        for (const char *path : {"/checks:checks", "/checks:checks/item"})
+        for (const char *path : {"/checks:checks", "/checks:checks/checks:item"})
             agt_cb_register_edit2_callback("checks", path, "2024-01-01", doNothing);
         host_->seal();
         host_->loadStartup(R"({"checks:checks":{"mode":"fancy","item":)" + entries(0, count + 1) + "}}",
@@ -99,14 +99,11 @@ const Pair kPairs[] = {
 void measure(benchmark::State &state, const Pair &pair)
 {
     Rig rig(state.range(0));
-    const Target target = rig.target(pair.path);
-    EditRequest edits[2];
-    for (std::size_t i = 0; i < 2; ++i) {
-        const bool isEmpty = *pair.bodies[i] == '\0';
-        edits[i].method = isEmpty ? Method::remove : pair.method;
-        edits[i].target = target;
-        edits[i].body = pair.bodies[i];
-    }
+    const auto editWith = [&](const char *body) {
+        return EditRequest{
+            *body ? pair.method : Method::remove, rig.target(pair.path), body, Encoding::json, {}, {}, false};
+    };
+    const EditRequest edits[] = {editWith(pair.bodies[0]), editWith(pair.bodies[1])};
     std::size_t turn = 0;
     for (auto _ : state)
         if (!rig.host().edit(edits[turn++ % 2]).changed)

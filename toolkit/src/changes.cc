@@ -1,5 +1,6 @@
 #include "changes.h"
 
+#include <algorithm>
 #include <list>
 
 namespace tk {
@@ -131,6 +132,19 @@ void Changes::accept()
     byParent_.clear();
     inserted_.clear();
     removed_.clear();
+}
+
+bool Changes::heldBefore(const lyd_node *parent) const
+{
+    for (const lyd_node *child = lyd_child(parent); child; child = child->next)
+        if (!wasInserted(child) && holdsAnything(child))
+            return true;
+    const auto changed = byParent_.find(parent);
+    return changed != byParent_.end() &&
+        std::any_of(changed->second.begin(), changed->second.end(), [this](std::size_t index) {
+               const Change &change = list_[index];
+               return !change.inserted && !wasInserted(change.node) && holdsAnything(change.node);
+           });
 }
 
 std::vector<lyd_node *> Changes::childrenBefore(const lyd_node *parent) const

@@ -38,6 +38,7 @@ public:
     bool wasInserted(const lyd_node *node) const { return inserted_.count(node) != 0; }
     bool isLinked(const lyd_node *node) const;                            // it is still in the tree
     std::vector<lyd_node *> childrenBefore(const lyd_node *parent) const; // null: the top-level nodes
+    bool heldBefore(const lyd_node *parent) const;                        // whether one of them held anything
     // The nodes put in and taken out, in order.
     struct Change {
         bool inserted;

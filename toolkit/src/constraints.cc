@@ -91,6 +91,15 @@ lyd_node *atOrAbove(lyd_node *node, const lysc_node *schema)
     return node;
 }
 
+// Instances of a list stand side by side.
+lyd_node *firstInstance(lyd_node *firstSibling, const lysc_node *schema)
+{
+    lyd_node *match = nullptr;
+    if (!firstSibling || lyd_find_sibling_val(firstSibling, schema, nullptr, 0, &match))
+        return nullptr;
+    return match;
+}
+
 std::vector<const lysc_node *> pathBelow(const lysc_node *apex, const lysc_node *node)
 {
     std::vector<const lysc_node *> path;
@@ -119,9 +128,9 @@ void forEachInstance(lyd_node *firstSibling, const std::vector<const lysc_node *
         return;
     }
     std::vector<lyd_node *> instances;
-    for (lyd_node *node = firstSibling; node; node = node->next)
-        if (node->schema == schema)
-            instances.push_back(node);
+    for (lyd_node *node = firstInstance(firstSibling, schema); node && node->schema == schema;
+         node = node->next)
+        instances.push_back(node);
     for (lyd_node *node : instances)
         take(node);
 }
@@ -159,19 +168,17 @@ private:
     {
         const lysc_node *schema = path[level];
         if (level + 1 < path.size()) {
-            const bool found = hasInstance(firstSibling, schema);
+            const bool found = firstInstance(firstSibling, schema);
             if (!found && isPlainContainer(schema) && (parent || firstSibling))
                 make(parent, firstSibling, schema, nullptr);
-            for (lyd_node *node = parent ? lyd_child(parent) : lyd_first_sibling(firstSibling); node;
+            lyd_node *first = parent ? lyd_child(parent) : lyd_first_sibling(firstSibling);
+            for (lyd_node *node = firstInstance(first, schema); node && node->schema == schema;
                  node = node->next)
-                if (node->schema == schema)
-                    complete(node, lyd_child(node), path, level + 1);
+                complete(node, lyd_child(node), path, level + 1);
             return;
         }
-        lyd_node *match = nullptr;
-        if (!firstSibling || lyd_find_sibling_val(firstSibling, schema, nullptr, 0, &match))
-            if (parent)
-                make(parent, firstSibling, schema, defaultOf(schema));
+        if (parent && !firstInstance(firstSibling, schema))
+            make(parent, firstSibling, schema, defaultOf(schema));
     }
 
     void make(lyd_node *parent, lyd_node *firstSibling, const lysc_node *schema, const char *value)
@@ -185,14 +192,6 @@ private:
             lyd_insert_sibling(firstSibling, node, nullptr);
         if (node)
             made_.push_back(node);
-    }
-
-    static bool hasInstance(const lyd_node *firstSibling, const lysc_node *schema)
-    {
-        for (const lyd_node *node = firstSibling; node; node = node->next)
-            if (node->schema == schema)
-                return true;
-        return false;
     }
 
     std::vector<lyd_node *> made_;
@@ -281,6 +280,28 @@ void ConstraintIndex::add(Expression expression, const lysc_node *context)
     }
     stored.apex = apex;
     ly_set_free(atoms, nullptr);
+    if (stored.kind == Expression::Kind::leafref && addReferrer(stored, seen))
+        for (const lysc_node *atom : seen)
+            std::erase(of(atom).dependents, &stored);
+}
+
+// A leafref without predicates reads one leaf. Whoever loses a value there asks who names it.
+bool ConstraintIndex::addReferrer(const Expression &leafref, const std::set<const lysc_node *> &atoms)
+{
+    const lysc_node *target = nullptr;
+    for (const lysc_node *atom : atoms) {
+        if (!isLeafKind(atom) || atom == leafref.owner)
+            continue;
+        if (target)
+            return false;
+        target = atom;
+    }
+    NodeConstraints &owner = of(leafref.owner);
+    if (!target || std::strchr(leafref.text, '[') || owner.reference)
+        return false;
+    of(target).referrers.push_back(&leafref);
+    owner.reference = &leafref;
+    return true;
 }
 
 namespace {
@@ -399,6 +420,8 @@ void Checker::checkInserted(lyd_node *node)
     for (const lysc_node *list : constraints->uniqueLists)
         checkUnique(list, atOrAbove(node, list));
     checkDependents(*constraints, node);
+    if (const char *replaced = constraints->referrers.empty() ? nullptr : defaultOf(node->schema))
+        checkReferrers(*constraints, replaced);
 }
 
 void Checker::checkRemoved(const lyd_node *node, lyd_node *parent)
@@ -418,6 +441,8 @@ void Checker::checkRemoved(const lyd_node *node, lyd_node *parent)
             if (lyd_node *entry = atOrAbove(parent, list))
                 checkUnique(list, entry);
     checkDependents(*constraints, parent);
+    if (isLeafKind(node->schema))
+        checkReferrers(*constraints, lyd_get_value(node));
 }
 
 void Checker::checkDependents(const NodeConstraints &constraints, lyd_node *from)
@@ -595,8 +620,9 @@ void Checker::checkCount(const lysc_node *schema, lyd_node *firstSibling, const 
     if (min == 0 && (max == 0 || max == UINT32_MAX))
         return;
     std::uint32_t count = 0;
-    for (const lyd_node *node = firstSibling; node; node = node->next)
-        count += node->schema == schema;
+    for (const lyd_node *node = firstInstance(firstSibling, schema); node && node->schema == schema;
+         node = node->next)
+        ++count;
     const std::string path =
         (entry ? instancePath(entry) : "") + "/" + schema->module->name + ":" + schema->name;
     if (max && count > max)
@@ -609,10 +635,10 @@ void Checker::checkCount(const lysc_node *schema, lyd_node *firstSibling, const 
 
 namespace {
 
-// The values of one unique statement in an entry; nothing if one of them is missing.
-std::optional<std::vector<std::string>> uniqueValues(lysc_node_leaf **leaves, const lyd_node *entry)
+// The values of one unique statement in an entry, one behind the other; nothing if one of them is missing.
+std::optional<std::string> uniqueValue(lysc_node_leaf **leaves, const lyd_node *entry)
 {
-    std::vector<std::string> values;
+    std::string values;
     LY_ARRAY_COUNT_TYPE i;
     LY_ARRAY_FOR(leaves, i)
     {
@@ -626,7 +652,7 @@ std::optional<std::vector<std::string>> uniqueValues(lysc_node_leaf **leaves, co
         const char *value = at ? lyd_get_value(at) : defaultOf(&leaves[i]->node);
         if (!value)
             return std::nullopt;
-        values.emplace_back(value);
+        values.append(value).push_back('\0');
     }
     return values;
 }
@@ -641,15 +667,81 @@ void Checker::checkUnique(const lysc_node *list, lyd_node *entry)
     LY_ARRAY_COUNT_TYPE i;
     LY_ARRAY_FOR(uniques, i)
     {
-        const auto values = uniqueValues(uniques[i], entry);
-        if (!values)
+        const ValueIndex::Scope scope{uniques[i], parentOf(entry)};
+        if (!values_.has(scope))
+            openUnique(scope, uniques[i], entry);
+        const auto value = uniqueValue(uniques[i], entry);
+        uniqueValues_.push_back({scope, entry, value});
+        if (!value)
             continue;
-        for (const lyd_node *other = lyd_first_sibling(entry); other; other = other->next)
-            if (other != entry && other->schema == list && uniqueValues(uniques[i], other) == values)
-                throw operationFailed(instancePath(entry),
-                                      "Unique data leaf(s) not satisfied in \"" + instancePath(other) + "\".",
-                                      "data-not-unique");
+        // What the index knows is from before the edit: an entry may have another value now.
+        for (const ValueIndex *known : {&values_, &newValues_})
+            for (const lyd_node *other : known->find(scope, *value))
+                if (other != entry && changes_.isLinked(other) && uniqueValue(uniques[i], other) == value)
+                    throw operationFailed(instancePath(entry),
+                                          "Unique data leaf(s) not satisfied in \"" + instancePath(other) +
+                                              "\".",
+                                          "data-not-unique");
+        newValues_.put(scope, entry, *value);
     }
+}
+
+void Checker::openUnique(const ValueIndex::Scope &scope, lysc_node_leaf **leaves, const lyd_node *entry)
+{
+    values_.open(scope);
+    lyd_node *first = parentOf(entry) ? lyd_child(parentOf(entry)) : changes_.root();
+    for (lyd_node *one = firstInstance(first, entry->schema); one && one->schema == entry->schema;
+         one = one->next)
+        if (const auto value = uniqueValue(leaves, one))
+            values_.put(scope, one, *value);
+}
+
+// Nobody may name a value that is gone.
+void Checker::checkReferrers(const NodeConstraints &constraints, const char *value)
+{
+    for (const Expression *leafref : constraints.referrers) {
+        const ValueIndex::Scope scope{leafref, nullptr};
+        if (!values_.has(scope))
+            openReferrers(*leafref);
+        for (lyd_node *referrer : values_.find(scope, value))
+            if (changes_.isLinked(referrer))
+                checkLeafref(*leafref, referrer);
+    }
+}
+
+void Checker::openReferrers(const Expression &leafref)
+{
+    const ValueIndex::Scope scope{&leafref, nullptr};
+    values_.open(scope);
+    auto add = [&](lyd_node *leaf) { values_.put(scope, leaf, lyd_get_value(leaf)); };
+    forEachInstance(changes_.root(), pathBelow(nullptr, leafref.owner), 0, add);
+}
+
+void Checker::keepValues()
+{
+    for (const Changes::Change &change : changes_.list()) {
+        if (change.moved)
+            continue;
+        forEachNode(change.node, [&](lyd_node *node) {
+            const NodeConstraints *constraints = infoOf(node->schema).constraints;
+            if (!change.inserted)
+                return values_.erase(node);
+            if (!constraints || !constraints->reference)
+                return;
+            const ValueIndex::Scope scope{constraints->reference, nullptr};
+            if (values_.has(scope) && changes_.isLinked(node))
+                values_.put(scope, node, lyd_get_value(node));
+        });
+    }
+    for (const UniqueValue &unique : uniqueValues_) {
+        if (!changes_.isLinked(unique.entry))
+            continue;
+        if (unique.value)
+            values_.put(unique.scope, unique.entry, *unique.value);
+        else
+            values_.erase(unique.scope, unique.entry);
+    }
+    values_.keep();
 }
 
 void Checker::checkWhole()

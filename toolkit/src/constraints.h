@@ -5,8 +5,10 @@
 #pragma once
 
 #include "edit_tree.h"
+#include "value_index.h"
 
 #include <memory>
+#include <optional>
 #include <set>
 
 namespace tk {
@@ -29,6 +31,8 @@ struct Expression {
 struct NodeConstraints {
     std::vector<const Expression *> own;
     std::vector<const Expression *> dependents; // expressions that read this node
+    std::vector<const Expression *> referrers;  // leafrefs that name a value of this leaf
+    const Expression *reference = nullptr;      // of this leaf, if it is among its target's referrers
     std::vector<const lysc_node *> required;    // below this entry or at the top: what must exist
     std::vector<const lysc_node *> uniqueLists; // lists that have this leaf in a unique statement
 };
@@ -46,6 +50,7 @@ private:
     void addLeafrefs(const lysc_node *node, const lysc_type *type);
     void add(Expression expression, const lysc_node *context);
     void addStructure(const lysc_node *node);
+    bool addReferrer(const Expression &leafref, const std::set<const lysc_node *> &atoms);
 
     std::map<const lysc_node *, std::unique_ptr<NodeConstraints>> nodes_;
     std::deque<Expression> expressions_;
@@ -58,14 +63,20 @@ private:
 // with the first violation.
 class Checker {
 public:
-    Checker(const ConstraintIndex &index, const Changes &changes, Editor &editor, const ly_ctx *context)
+    // `values` follows the tree from edit to edit; null: there is only this one.
+    Checker(const ConstraintIndex &index, ValueIndex *values, const Changes &changes, Editor &editor,
+            const ly_ctx *context)
         : index_(index)
+        , values_(values ? *values : ownValues_)
         , changes_(changes)
         , editor_(editor)
         , context_(context)
     {
     }
     void run();
+    // The edit stands: the values follow. Call it before what was taken out is freed; else discard the
+    // values.
+    void keepValues();
 
 private:
     void checkInserted(lyd_node *node);
@@ -80,15 +91,26 @@ private:
     void checkRequiredNode(lyd_node *firstSibling, const lysc_node *required, const lyd_node *entry);
     void checkCount(const lysc_node *schema, lyd_node *firstSibling, const lyd_node *entry);
     void checkUnique(const lysc_node *list, lyd_node *entry);
+    void openUnique(const ValueIndex::Scope &scope, lysc_node_leaf **leaves, const lyd_node *entry);
+    void checkReferrers(const NodeConstraints &constraints, const char *value);
+    void openReferrers(const Expression &leafref);
     void checkWhole();
 
     const ConstraintIndex &index_;
+    ValueIndex ownValues_, &values_;
     const Changes &changes_;
     Editor &editor_;
     const ly_ctx *context_;
     std::set<std::pair<const Expression *, const lyd_node *>> done_;
     std::set<const lyd_node *> requiredDone_;
     std::set<std::pair<const lysc_node *, const lyd_node *>> uniqueDone_;
+    struct UniqueValue {
+        ValueIndex::Scope scope;
+        lyd_node *entry;
+        std::optional<std::string> value;
+    };
+    std::vector<UniqueValue> uniqueValues_; // of the entries that were checked
+    ValueIndex newValues_;                  // the same by value
     std::vector<lyd_node *> whenFalse_;
     bool whole_ = false;
 };

@@ -244,7 +244,7 @@ Datastores::Impl::changeStartup(const std::string &description)
     Editor editor(change->changes, change->root);
     try {
         replayEdit(context(), description, editor, startup_.tree);
-        Checker(host_.constraints, change->changes, editor, context()).run();
+        Checker(host_.constraints, nullptr, change->changes, editor, context()).run();
     } catch (const Failure &failure) {
         const Error &error = failure.errors.front();
         throw operationFailed(error.path, std::string(kRunningDiffers) + ": " + error.message);

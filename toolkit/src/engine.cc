@@ -35,24 +35,27 @@ Engine::~Engine()
     lyd_free_all(running_);
 }
 
-bool Engine::edit(const std::function<void(Editor &, lyd_node *root)> &change, EditWatch *watch, EditMode mode)
+bool Engine::edit(const std::function<void(Editor &, lyd_node *root)> &change, EditWatch *watch,
+                  EditMode mode)
 {
     const auto turn = takeTurn();
     Changes changes(&running_);
     ChangeNode root;
+    Editor editor(changes, root);
+    Checker checker(index_, &values_, changes, editor, context_.ly());
     Plan plan;
     bool isWatched = false;
     {
         const std::unique_lock lock(treeLock_);
-        Editor editor(changes, root);
         try {
             change(editor, running_);
-            Checker(index_, changes, editor, context_.ly()).run();
+            checker.run();
             if (watch && !changes.empty())
                 watch->checked(root, running_);
             isWatched = watch != nullptr && !changes.empty();
             plan = planEdit(root, changes);
         } catch (...) {
+            values_.discard();
             changes.undo();
             if (isWatched)
                 watch->failed();
@@ -79,6 +82,7 @@ bool Engine::edit(const std::function<void(Editor &, lyd_node *root)> &change, E
         const std::unique_lock lock(treeLock_);
         pending_ = nullptr;
         plan.clear();
+        checker.keepValues();
         changes.accept();
         refreshCaches();
         if (differs)
@@ -94,6 +98,7 @@ void Engine::takeBack(Changes &changes, Plan &plan)
     const std::unique_lock lock(treeLock_);
     pending_ = nullptr;
     plan.clear();
+    values_.discard();
     changes.undo();
     refreshCaches();
 }
@@ -137,6 +142,8 @@ void Engine::callOrThrow(Told &told, EditPhase phase, const std::vector<Told *> 
 void Engine::rollBack(const std::vector<Told *> &applied, const Told *failed)
 {
     const auto undo = [this](Told &told) {
+        if (told.has(swappedInRollback))
+            told.swapChildEdits();
         RequestFrame frame;
         const Status status = call(told, rollback, frame);
         if (status && log_get_system_log_level() >= 1)

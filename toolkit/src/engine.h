@@ -19,8 +19,8 @@ public:
     virtual ~EditWatch() = default;
     // The edit changes something and passed all checks, and no callback was told yet. Throws to refuse it.
     virtual void checked(const ChangeNode &root, const lyd_node *tree) = 0;
-    virtual void failed() {}  // after checked(): the edit was taken back
-    virtual void carriedOut() {}
+    virtual void failed() { } // after checked(): the edit was taken back
+    virtual void carriedOut() { }
 };
 
 enum class EditMode {
@@ -77,6 +77,7 @@ private:
 
     const Context &context_;
     const ConstraintIndex &index_;
+    ValueIndex values_; // of running
     std::mutex turn_;
     mutable std::shared_mutex treeLock_;
     lyd_node *running_ = nullptr;

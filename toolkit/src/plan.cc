@@ -167,12 +167,11 @@ private:
             return changed && (info.options & emptiedIsDelete) && isEmptied(node) ? del : existing;
         }
         const EditOp op = opOfContainer(node, info, around);
-        const bool held = holdsBefore(node), holds = holdsAnything(node.after);
-        if (op == noOperation)
+        if (op != merge && op != replace)
             return op;
-        if ((info.options & emptiedIsDelete) && (op == merge || op == replace) && held && !holds)
+        if ((info.options & emptiedIsDelete) && !holdsAnything(node.after) && holdsBefore(node))
             return del;
-        if ((info.options & firstFillIsCreate) && (op == merge || op == replace) && !held && holds)
+        if ((info.options & firstFillIsCreate) && holdsAnything(node.after) && !holdsBefore(node))
             return create;
         return op;
     }
@@ -227,9 +226,8 @@ private:
             return false;
         if (!changes_)
             return holdsAnything(node.before);
-        for (const lyd_node *child : changes_->childrenBefore(node.before))
-            if (holdsAnything(child))
-                return true;
+        if (changes_->heldBefore(node.before))
+            return true;
         // What it held may stand in containers that the edit emptied.
         return std::any_of(node.children.begin(), node.children.end(), [this](const auto &child) {
             return isPlainContainer(child->schema) && holdsBefore(*child);
@@ -286,6 +284,7 @@ private:
         for (const auto &child : node.children) {
             if (infoOf(child->schema).edit)
                 continue;
+            expand(*child);
             if (isLeafKind(child->schema))
                 addChildEdit(told, *child);
             else
@@ -303,8 +302,8 @@ private:
             value->pathKeys = &told.keys;
             return value;
         };
-        // A value that leaves a leaf-list stands in both, the new one marked `delete`; so does a leaf where the
-        // row asks for it.
+        // A value that leaves a leaf-list stands in both, the new one marked `delete`; so does a leaf where
+        // the row asks for it.
         const bool stays = leaf.isDeleted() && told.op == merge && told.has(deletedLeafStays);
         const bool goneValue = stays || (leaf.isDeleted() && leaf.schema->nodetype == LYS_LEAFLIST);
         if (leaf.after || goneValue)
@@ -388,6 +387,17 @@ std::string changePath(const ChangeNode &node)
 std::string Told::path() const
 {
     return changePath(*where);
+}
+
+void Told::swapChildEdits()
+{
+    for (const auto &edit : childEdits) {
+        edit->op = edit->op == create ? del : edit->op == del ? create : edit->op;
+        edit->newval.swap(edit->curval);
+        for (Value *value : {edit->newval.get(), edit->curval.get()})
+            if (value)
+                value->op = edit->op;
+    }
 }
 
 Plan planEdit(ChangeNode &root, const Changes &changes)

@@ -47,6 +47,8 @@ struct Told {
     {
         return mergedCurval && phase != rollback ? mergedCurval.get() : curval.get();
     }
+    // The edit the other way round: for a rollback with swappedInRollback.
+    void swapChildEdits();
     std::string path() const;
 };
 

@@ -85,7 +85,7 @@ void Retrieval::run(const Target::Node &target, const Selection &selection, unsi
         AnswerNode *above = i ? &chain[i - 1] : nullptr;
         const bool last = i + 1 == chain.size();
         if (last && step.schema->nodetype == LYS_LIST && !step.hasKeys)
-            return visitList(step.schema, above, selection, depth);
+            return visitList(step.schema, above, selection, depth, true);
         const lyd_node *siblings = firstRunning(above);
         chain[i] = {above, step.schema, findStep(const_cast<lyd_node *>(siblings), step), step.keys, nullptr};
         const Selection wanted = restrictTo(target, i + 1, selection);
@@ -124,10 +124,11 @@ void Retrieval::visit(const lysc_node *node, AnswerNode *above, const Selection 
 }
 
 void Retrieval::visitList(const lysc_node *list, AnswerNode *above, const Selection &selection,
-                          unsigned depth)
+                          unsigned depth, bool isTarget)
 {
-    const bool outer = std::exchange(named_, false);
+    const bool outer = std::exchange(named_, isTarget);
     askList(list, above, nullptr, selection, depth);
+    named_ = false; // its entries are many
     if (depth > 1)
         for (AnswerNode &entry : instances(list, above))
             visitChildren(list, &entry, selection, oneLess(depth));
@@ -207,7 +208,7 @@ void Retrieval::askList(const lysc_node *list, AnswerNode *above, const Keys *ke
         Keys reached;
         for (const auto &key : block.entries.back().keys)
             reached.push_back(key->ownText);
-        takeEntries(block, above);
+        takeEntries(block, above, keys);
         // A walk that does not get on ends here.
         if (keys || !block.more || reached == last)
             return;
@@ -217,12 +218,16 @@ void Retrieval::askList(const lysc_node *list, AnswerNode *above, const Keys *ke
     }
 }
 
-void Retrieval::takeEntries(GetBlock &block, AnswerNode *above)
+void Retrieval::takeEntries(GetBlock &block, AnswerNode *above, const Keys *asked)
 {
     for (const auto &entry : block.entries) {
         AnswerNode answer{above, block.node, nullptr, {}, nullptr};
-        for (const auto &key : entry.keys)
-            answer.keys.push_back(key->ownText);
+        for (std::size_t i = 0; i < entry.keys.size(); ++i) {
+            // A key that the client gave may come back without its value.
+            const Value &key = *entry.keys[i];
+            const bool isOpen = key.type == btNone && key.ownText.empty();
+            answer.keys.push_back(isOpen && asked && i < asked->size() ? (*asked)[i] : key.ownText);
+        }
         make(answer);
         addValues(entry.values, answer);
     }

@@ -56,13 +56,13 @@ private:
     void visitChildren(const lysc_node *parent, AnswerNode *above, const Selection &selection,
                        unsigned depth);
     void visit(const lysc_node *node, AnswerNode *above, const Selection &selection, unsigned depth);
-    void visitList(const lysc_node *list, AnswerNode *above, const Selection &selection, unsigned depth);
+    void visitList(const lysc_node *list, AnswerNode *above, const Selection &selection, unsigned depth, bool isTarget = false);
     void ask(const lysc_node *node, AnswerNode &answer, const Selection &selection, unsigned depth);
     void askList(const lysc_node *list, AnswerNode *above, const Keys *keys, const Selection &selection,
                  unsigned depth);
     Status call(GetBlock &block, const AnswerNode *above, const Keys *own, bool fixed);
     void report(Status status, const struct MessageHeader &header, const lysc_node *node) const;
-    void takeEntries(GetBlock &block, AnswerNode *above);
+    void takeEntries(GetBlock &block, AnswerNode *above, const Keys *asked);
     void addValues(const std::vector<std::unique_ptr<Value>> &values, AnswerNode &answer);
     lyd_node *make(AnswerNode &answer);
     bool isAnswered(const AnswerNode &entry) const; // it stands in the answer already

@@ -113,6 +113,9 @@ void readNumbers(Value &value, const lyd_value &data)
     case LY_TYPE_DEC64:
         value.integer = data.dec64;
         break;
+    case LY_TYPE_ENUM:
+        value.integer = data.enum_item->value;
+        break;
     case LY_TYPE_UINT8:
         value.natural = data.uint8;
         break;

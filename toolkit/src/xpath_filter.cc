@@ -11,6 +11,7 @@ namespace tk {
 namespace {
 
 constexpr std::size_t kLongestExpression = 8192;
+constexpr unsigned kMostSearches = 16;
 
 bool startsName(char c)
 {
@@ -27,6 +28,57 @@ std::size_t endOfName(std::string_view text, std::size_t at)
     while (at < text.size() && isInName(text[at]))
         ++at;
     return at;
+}
+
+// What makes an expression dearer than the nodes it names: "//", "*", node() and the axes that go far look at
+// everything, and in a predicate they do so again for every node.
+struct Searches {
+    unsigned count = 0;
+    bool hasWildcards = false;
+    bool hasPredicates = false;
+    bool isInPredicate = false;
+};
+
+bool isWildcard(std::string_view text, std::size_t at)
+{
+    const auto before = at == 0 ? text.npos : text.find_last_not_of(" \t\r\n", at - 1);
+    return text[at] == '*' &&
+        (before == text.npos || std::string_view("/[(,:@|=<>+-").find(text[before]) != text.npos);
+}
+
+bool isFarAxis(std::string_view text, std::size_t at, std::size_t end)
+{
+    const std::string_view name = text.substr(at, end - at), behind = text.substr(end);
+    return behind.starts_with("::") &&
+        (name.starts_with("descendant") || name.starts_with("ancestor") || name.starts_with("following") ||
+         name.starts_with("preceding"));
+}
+
+Searches searchesOf(std::string_view text)
+{
+    Searches found;
+    unsigned depth = 0;
+    for (std::size_t at = 0, end = 0; at < text.size(); at = end) {
+        end = at + 1;
+        bool isSearch = false, isAny = false;
+        if (text[at] == '\'' || text[at] == '"') {
+            end = std::min(text.find(text[at], at + 1), text.size() - 1) + 1;
+        } else if (startsName(text[at])) {
+            end = endOfName(text, at);
+            isAny = text.substr(at, end - at) == "node" && text.substr(end).starts_with("(");
+            isSearch = isAny || isFarAxis(text, at, end);
+        } else {
+            isAny = isWildcard(text, at);
+            isSearch = isAny || text.substr(at).starts_with("//");
+            depth += text[at] == '[' ? 1 : 0;
+            depth -= text[at] == ']' && depth > 0 ? 1 : 0;
+        }
+        found.count += isSearch ? 1 : 0;
+        found.hasWildcards = found.hasWildcards || isAny;
+        found.hasPredicates = found.hasPredicates || depth > 0;
+        found.isInPredicate = found.isInPredicate || (isSearch && depth > 0);
+    }
+    return found;
 }
 
 // Prefixes mean what the request says; libyang takes names of modules for them.
@@ -248,14 +300,23 @@ public:
     {
         if (filter.text.size() > kLongestExpression)
             throw Failure(Error{kOk, "too-big", "", "", "The expression is too long."});
+        const Searches searches = searchesOf(filter.text);
+        if (searches.isInPredicate || searches.count > kMostSearches)
+            throw Failure(
+                Error{kOk, "too-big", "", "", "The expression searches through everything too often."});
         expression_ = PrefixTranslator(context.ly(), filter).translate();
-        find(lys_find_xpath); // an expression that cannot be read is refused before anything is collected
+        isWide_ = searches.hasWildcards && searches.hasPredicates;
+        if (!isWide_)
+            find(lys_find_xpath); // what cannot be read is refused before anything is collected
     }
 
     std::vector<Piece> pieces() const override
     {
         if (auto piece = PlainPath(context_, expression_).parse())
             return {std::move(*piece)};
+        // libyang would take seconds to see which parts of the schema it may mean.
+        if (isWide_)
+            return {{wholeDatastore(context_), {}}};
         Needed needed;
         const Set atoms = find(lys_find_xpath_atoms), results = find(lys_find_xpath);
         for (std::uint32_t i = 0; atoms && i < atoms->count; ++i)
@@ -326,6 +387,7 @@ private:
 
     const Context &context_;
     std::string expression_;
+    bool isWide_ = false;
 };
 
 } // namespace

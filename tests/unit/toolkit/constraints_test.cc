@@ -92,8 +92,9 @@ const Case kCases[] = {
     {"leafref_between_entries_target_goes",
      R"({"item":[{"name":"a","needed":"n","by-road":"r","friend":"b"},{"name":"b","needed":"n","by-road":"r"}]})",
      Method::remove, "item=b", "", "data-missing"},
-    {"leafref_and_target_go_together", R"({"cap":1,"item":[{"name":"a","needed":"n","by-road":"r","friend":"a"}]})",
-     Method::remove, "item=a", "", "", R"({"cap":1})"},
+    {"leafref_and_target_go_together",
+     R"({"cap":1,"item":[{"name":"a","needed":"n","by-road":"r","friend":"a"}]})", Method::remove, "item=a",
+     "", "", R"({"cap":1})"},
     {"unique", kTwo, Method::put, "item=b/tag", "\"x\"", "operation-failed"},
     {"unique_in_a_new_entry", kTwo, Method::post, "",
      R"({"checks:item":[{"name":"c","tag":"y","needed":"n","by-road":"r"}]})", "operation-failed"},
@@ -106,6 +107,78 @@ const Case kCases[] = {
      R"({"cap":1})"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, Checks, testing::ValuesIn(kCases), CaseName());
+
+// The rules that compare many entries hold beside any number of others, from edit to edit.
+class ChecksAtSize : public testing::TestWithParam<int> { };
+
+std::string item(const std::string &name, const std::string &tag, const std::string &more = {})
+{
+    return R"({"name":")" + name + R"(","tag":")" + tag + R"(","needed":"n","by-road":"r")" + more + "}";
+}
+
+TEST_P(ChecksAtSize, FollowTheEdits)
+{
+    std::string running = item("a", "x") + "," + item("b", "y");
+    for (int i = 0; i < GetParam(); ++i)
+        running += "," + item("n" + std::to_string(i), "t" + std::to_string(i));
+    ChecksBench bench(R"({"item":[)" + running + "]}");
+    const auto items = [](const std::string &list) { return R"({"checks:checks":{"item":[)" + list + "]}}"; };
+    const auto leaf = [](const std::string &name, const std::string &value) {
+        return R"({"checks:)" + name + R"(":")" + value + R"("})";
+    };
+    struct Step {
+        Method method;
+        std::string path, body, tag;
+    };
+    const std::string ok, twice = "operation-failed", nowhere = "data-missing";
+    const Step steps[] = {
+        // Unique.
+        {Method::patch, "", items(item("c", "x")), twice},
+        {Method::patch, "", items(item("c", "z") + "," + item("d", "z")), twice},
+        {Method::patch, "", items(item("c", "z")), ok},
+        {Method::put, "/item=b/tag", leaf("tag", "z"), twice},
+        {Method::put, "/item=c/tag", leaf("tag", "w"), ok},
+        {Method::put, "/item=b/tag", leaf("tag", "z"), ok},
+        {Method::patch, "", items(R"({"name":"b","tag":"w"},{"name":"c","tag":"z"})"),
+         ok}, // they change places
+        {Method::put, "/item=a/tag", leaf("tag", "z"), twice},
+        {Method::remove, "/item=c", {}, ok},
+        {Method::put, "/item=a/tag", leaf("tag", "z"), ok},
+        {Method::remove, "/item=a/tag", {}, ok},
+        {Method::put, "/item=b/tag", leaf("tag", "z"), ok},
+        {Method::put, "/item=a/tag", leaf("tag", "z"), twice},
+        // Leafrefs, both ways.
+        {Method::put, "/item=a/friend", leaf("friend", "e"), nowhere},
+        {Method::patch, "", items(item("e", "e") + R"(,{"name":"a","friend":"e"})"), ok},
+        {Method::remove, "/item=e", {}, nowhere},
+        {Method::put, "/chosen", leaf("chosen", "e"), ok},
+        {Method::put, "/item=a/friend", leaf("friend", "b"), ok},
+        {Method::remove, "/item=e", {}, nowhere},
+        {Method::remove, "/chosen", {}, ok},
+        {Method::remove, "/item=e", {}, ok},
+        {Method::remove, "/item=b", {}, nowhere},
+        {Method::remove, "/item=a", {}, ok},
+        {Method::remove, "/item=b", {}, ok},
+        {Method::patch, "", items(item("b", "z") + "," + item("c", "y", R"(,"friend":"b")")), ok},
+        {Method::remove, "/item=b", {}, nowhere},
+        // Rules within an entry, and on numbers of them.
+        {Method::post, "", R"({"checks:item":[{"name":"f","by-road":"r"}]})", nowhere},
+        {Method::put, "/item=c/by-sea", leaf("by-sea", "s"), nowhere},
+        {Method::patch, "", R"({"checks:checks":{"few":["1","2","3","4"]}})", "operation-failed"},
+        {Method::patch, "", R"({"checks:checks":{"group":{"member":["1"]}}})", "operation-failed"},
+        {Method::put, "/current", R"({"checks:current":101})", "operation-failed"},
+        {Method::put, "/ornament", leaf("ornament", "o"), "unknown-element"},
+        {Method::put, "/total", R"({"checks:total":1})", GetParam() > 1 ? "operation-failed" : ok},
+    };
+    for (const Step &step : steps) {
+        SCOPED_TRACE(step.path + " " + step.body);
+        const Outcome outcome = bench.edit(step.method, "checks:checks" + step.path, step.body);
+        EXPECT_EQ(outcome.tag(), step.tag) << outcome.message();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, ChecksAtSize, testing::Values(0, 4'000, 40'000),
+                         [](const auto &of) { return std::to_string(of.param); });
 
 TEST(ChecksText, MustKeepsItsMessageTagAndPath)
 {

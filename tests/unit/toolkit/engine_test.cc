@@ -62,6 +62,18 @@ const Case kCases[] = {
      "toy:top",
      R"({"toy:top":{"inner":{"deep":"x"}}})",
      {"merge /toy:top deep:create=x"}},
+    {"leaves_that_go_with_a_container_without_callback",
+     R"({"plain":"a","inner":{"deep":"x"}})",
+     Method::put,
+     "toy:top",
+     R"({"toy:top":{}})",
+     {"replace /toy:top plain:delete deep:delete"}},
+    {"leaves_that_come_with_a_container_without_callback",
+     "{}",
+     Method::patch,
+     "toy:top",
+     R"({"toy:top":{"entry":[{"name":"a","own":"o","more":{"remark":"r"}}]}})",
+     {"create /toy:top/entry[name='a'] name:create=a own:create=o remark:create=r"}},
     {"ancestors_on_the_way_hear_nothing",
      "{}",
      Method::patch,
@@ -433,6 +445,17 @@ TEST(FailureOptions, NoRollbackAndUndoesItself)
         R"({"ietf-restconf:data":{"toy:top":{"plain":"b","config":{"limit":1}},"toy:late":{"plain":"l"}}})");
     EXPECT_THAT(bench.told("rollback"),
                 ElementsAre("merge /toy:late plain:create=l", "merge /toy:top/config limit:create=1"));
+}
+
+TEST(FailureOptions, SwappedInRollbackTellsTheEditTheOtherWayRound)
+{
+    const std::string both =
+        R"({"ietf-restconf:data":{"toy:top":{"plain":"b","number":5,"config":{"limit":1}},"toy:late":{"plain":"l"}}})";
+    ToyBench bench(doc(R"({"plain":"a"})"), {{"/t:top", swappedInRollback}});
+    bench.failAt("apply", "/toy:late", 4);
+    bench.patch("", both);
+    EXPECT_THAT(bench.told("rollback"),
+                ElementsAre("merge /toy:top/config limit:create=1", "merge /toy:top plain:merge=a number:delete"));
 }
 
 TEST(Records, TheCallbacksOwnTextReachesTheClientAlone)

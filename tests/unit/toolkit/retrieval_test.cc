@@ -135,6 +135,32 @@ TEST_F(Retrieval, OneEntryByItsKey)
     EXPECT_EQ(bench.read("toy:top/row=3/detail/more", Content::all), R"({"toy:more":"3"})");
 }
 
+TEST_F(Retrieval, AListThatFailsFailsForWhoNamedIt)
+{
+    agt_cb_register_get_callback("toy", "/t:top/t:row", nullptr,
+                                 [](Session *, MessageHeader *, GetBlock *) -> Status { return kInternal; });
+    for (const char *path : {"toy:top/row", "toy:top/row=4"})
+        EXPECT_THROW(bench.read(path, Content::all), Failure) << path;
+    EXPECT_THAT(bench.read("toy:top", Content::all), testing::HasSubstr(R"("plain":"a")"));
+}
+
+// An answer for a key that the client gave, without the key's value.
+Status getRowWithOpenKey(Session *, MessageHeader *, GetBlock *get2cb)
+{
+    const Object *row = getcb_get_obj(get2cb);
+    Value *key = val_new_value();
+    val_init_from_template(key, obj_find_child(row, "toy", "id"));
+    getcb_add_return_key(get2cb, key);
+    Status status = kOk;
+    return getcb_add_return_val(get2cb, agt_make_leaf(row, "text", "a row", &status));
+}
+
+TEST_F(Retrieval, AKeyThatComesBackOpenIsTheOneAskedFor)
+{
+    agt_cb_register_get_callback("toy", "/t:top/t:row", nullptr, getRowWithOpenKey);
+    EXPECT_EQ(bench.read("toy:top/row=4/text", Content::all), R"({"toy:text":"a row"})");
+}
+
 TEST_F(Retrieval, AFailureIsToldToWhoAskedForTheNode)
 {
     answer = 274;
