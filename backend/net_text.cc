@@ -1,5 +1,7 @@
 #include "backend/net_text.h"
 
+#include "backend/hex_digit.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -52,15 +54,6 @@ std::optional<Dotted> takeDotted(std::string_view &text)
     return dotted;
 }
 
-int hexDigit(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
-
 // Twelve hexadecimal digits, with `separator` behind every `group` of them.
 bool readMac(std::string_view text, char separator, std::size_t group, std::uint8_t *mac)
 {
@@ -74,7 +67,7 @@ bool readMac(std::string_view text, char separator, std::size_t group, std::uint
                 return false;
             continue;
         }
-        const int digit = hexDigit(text[i]);
+        const int digit = backend::hexDigit(text[i]);
         if (digit < 0)
             return false;
         mac[nibble / 2] = static_cast<std::uint8_t>(mac[nibble / 2] << 4 | digit);
@@ -109,6 +102,13 @@ int ip6_string_to_address(const char *text, uint8_t *address)
         return 0;
     std::memcpy(address, &read, sizeof(read));
     return 1;
+}
+
+char *ip_address_to_string(uint32_t address, char *text)
+{
+    std::snprintf(text, IP_ADDRESS_TEXT_BYTES, "%u.%u.%u.%u", address >> 24, address >> 16 & 0xffU,
+                  address >> 8 & 0xffU, address & 0xffU);
+    return text;
 }
 
 uint32_t ip_string2int(const char *text)

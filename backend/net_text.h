@@ -19,6 +19,10 @@ int ip_string_to_address(const char *text, uint32_t *address);
 // bad text, and the bytes are as before.
 int ip6_string_to_address(const char *text, uint8_t *address);
 
+// Writes an address as a dotted text into `text`, which has IP_ADDRESS_TEXT_BYTES, and returns it.
+#define IP_ADDRESS_TEXT_BYTES 16
+char *ip_address_to_string(uint32_t address, char *text);
+
 // The number of a dotted text. A text of fewer than four numbers fills the high octets. 0 for a bad text.
 uint32_t ip_string2int(const char *text);
 

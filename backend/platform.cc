@@ -6,9 +6,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <mutex>
-#include <string>
-#include <string_view>
 
 using backend::ask;
 using backend::askValue;
@@ -120,37 +117,4 @@ const char *cfg_parser_get_err_str_from_err_code(int code)
     };
     const bool isKnown = code >= 0 && static_cast<std::size_t>(code) < std::size(texts);
     return isKnown ? texts[code] : "Unknown error";
-}
-
-namespace {
-
-std::mutex fileRootMutex;
-std::string fileRoot; // guarded by fileRootMutex
-
-bool hasParentStep(std::string_view path)
-{
-    return (std::string(path) + "/").find("/../") != std::string::npos;
-}
-
-} // namespace
-
-void backend_set_file_root(const char *root)
-{
-    const std::lock_guard lock(fileRootMutex);
-    fileRoot = root == nullptr ? "" : root;
-}
-
-size_t backend_file_path(const char *path, char *out, size_t size)
-{
-    if (out == nullptr || size == 0)
-        return 0;
-    out[0] = '\0';
-    if (path == nullptr || path[0] != '/' || hasParentStep(path))
-        return 0;
-    const std::lock_guard lock(fileRootMutex);
-    const std::string whole = fileRoot + path;
-    if (whole.size() >= size)
-        return 0;
-    std::memcpy(out, whole.c_str(), whole.size() + 1);
-    return whole.size();
 }

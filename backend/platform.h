@@ -1,5 +1,4 @@
-// Small services of the platform: its type and modes, shared memory, the configuration lock, logging,
-// and where the device's files lie.
+// Small services of the platform: its type and modes, shared memory, the configuration lock, logging.
 #pragma once
 
 #include <stddef.h>
@@ -47,15 +46,6 @@ int cu_logging_write(const struct cu_logging_record *record);
 
 // Text of an error code of the command parser. Never null; an unknown code has a text too.
 const char *cfg_parser_get_err_str_from_err_code(int code);
-
-// The folder that stands for the device's "/". Empty, as it is at first, for the root of this machine:
-// only a switch leaves it so. The text is copied; null counts as empty.
-void backend_set_file_root(const char *root);
-
-// Writes the path of a device's file ("/grey_slab/...") on this machine into `size` bytes of `out`. Returns
-// its length; 0, with an empty text, if it does not fit or if `path` is null, not absolute or contains a step
-// to a parent folder ("..").
-size_t backend_file_path(const char *path, char *out, size_t size);
 
 #ifdef __cplusplus
 }

@@ -1,6 +1,8 @@
 #include "server/device.h"
 
+#include "backend/device_files.h"
 #include "backend/transport.h"
+#include "server/paths.h"
 #include "switchsim/switch.h"
 #include "toolkit/host.h"
 
@@ -10,6 +12,15 @@ namespace agentd {
 namespace {
 
 constexpr std::string_view kInProcess = "inproc", kSocketPrefix = "unix:";
+
+// The device's files lie in the state folder, but for a switch whose own agentd this is.
+void placeFiles(const DeviceOptions &options, bool isSimulated)
+{
+    std::filesystem::path root;
+    if (isSimulated || !isInstalled())
+        root = std::filesystem::absolute(options.stateDir) / "device";
+    backend_set_file_root(root.c_str());
+}
 
 // The transport is the process's own; this takes it away again.
 class TransportDevice : public Device {
@@ -59,7 +70,9 @@ std::unique_ptr<Device> setUpDevice(const DeviceOptions &options)
 {
     if (options.timeout.count() > 0)
         backend::setTimeout(options.timeout);
-    if (options.where == kInProcess)
+    const bool isSimulated = options.where == kInProcess;
+    placeFiles(options, isSimulated);
+    if (isSimulated)
         return std::make_unique<SimulatedDevice>(options);
     if (options.where.starts_with(kSocketPrefix))
         return socketDevice(options);

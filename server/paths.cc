@@ -15,10 +15,8 @@ std::filesystem::path prefix()
 // The sources' own folder as long as they are there, so that a module can be edited and tried at once.
 std::filesystem::path yangDir()
 {
-    std::error_code error;
-    const std::filesystem::path source = AGENTD_YANG_SOURCE_DIR;
-    return std::filesystem::is_directory(source, error) ? source
-                                                        : prefix() / "share" / "app_yang_agent" / "yang";
+    return isInstalled() ? prefix() / "share" / "app_yang_agent" / "yang"
+                         : std::filesystem::path(AGENTD_YANG_SOURCE_DIR);
 }
 
 } // namespace
@@ -26,6 +24,12 @@ std::filesystem::path yangDir()
 std::filesystem::path bundleLibrary()
 {
     return prefix() / "lib" / "libapp_yang_agent.so";
+}
+
+bool isInstalled()
+{
+    std::error_code error;
+    return !std::filesystem::is_directory(AGENTD_YANG_SOURCE_DIR, error);
 }
 
 std::vector<std::string> defaultModuleDirs()

@@ -11,6 +11,9 @@ namespace agentd {
 // ../lib/libapp_yang_agent.so as seen from the executable: one library holds all bundles.
 std::filesystem::path bundleLibrary();
 
+// False while the sources lie where the program was built from: then it is a developer's.
+bool isInstalled();
+
 // The folders of the YANG modules.
 std::vector<std::string> defaultModuleDirs();
 

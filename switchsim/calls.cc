@@ -18,6 +18,13 @@ char *Answering::keep(std::string_view text)
     return copy->data();
 }
 
+std::vector<std::uint32_t> *Answering::keepNumbers(std::vector<std::uint32_t> numbers)
+{
+    auto kept = std::make_shared<std::vector<std::uint32_t>>(std::move(numbers));
+    kept_.push_back(kept);
+    return kept.get();
+}
+
 Call &Call::withArgument(std::string shownAs)
 {
     argumentName = std::move(shownAs);
@@ -30,11 +37,19 @@ Call &Call::quiet()
     return *this;
 }
 
+Call &Call::slow()
+{
+    isSlow = true;
+    return *this;
+}
+
 namespace {
 
 const ProtobufCFieldDescriptor *replyField(const ProtobufCMessageDescriptor &answer)
 {
     const auto *field = protobuf_c_message_descriptor_get_field_by_name(&answer, "reply");
+    if (field == nullptr) // the routing daemon's word for it
+        field = protobuf_c_message_descriptor_get_field_by_name(&answer, "common");
     return field != nullptr && field->descriptor == &common_resp__descriptor ? field : nullptr;
 }
 

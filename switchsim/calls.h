@@ -41,6 +41,7 @@ public:
         kept_.push_back(record);
         return record.get();
     }
+    std::vector<std::uint32_t> *keepNumbers(std::vector<std::uint32_t> numbers);
     template <class Record>
     Record **makeList(const std::vector<Record *> &records)
     {
@@ -65,10 +66,12 @@ struct Call {
     Handler handle;
     std::string argumentName; // of the number beside the record; empty: it has no name and isn't shown
     bool isQuiet = false;     // a look at a value, not a request to a daemon: not in the journal
+    bool isSlow = false;      // takes its time and touches no state: carried out without the simulator's lock
 
     // Fluent options for registration.
     Call &withArgument(std::string name);
     Call &quiet();
+    Call &slow();
 };
 
 // The reply inside of an answer: the answer itself, or its `reply`, which is hung in; null if it has none.
@@ -93,6 +96,7 @@ public:
                         answering);
              },
              {},
+             false,
              false});
     }
 

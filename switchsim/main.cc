@@ -1,4 +1,5 @@
 // switchsim: the simulated switch as a process of its own.
+#include "backend/device_files.h"
 #include "switchsim/simulator.h"
 #include "switchsim/socket_server.h"
 
@@ -7,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
 
@@ -30,6 +32,8 @@ sigset_t blockEndSignals()
 void run(const std::string &socketPath, const std::string &stateDir, int platformType)
 {
     const sigset_t endSignals = blockEndSignals();
+    if (!stateDir.empty())
+        backend_set_file_root((std::filesystem::absolute(stateDir) / "device").c_str());
     switchsim::Simulator simulator([] { std::_Exit(kKilledByFault); });
     simulator.setValue("platform-type", platformType);
     const switchsim::SocketServer server(simulator, socketPath, switchsim::Serves::controlAndMessages);
@@ -52,7 +56,9 @@ try {
     CLI::App app("The simulated switch. Serves agentd --device unix:PATH and switchctl --socket PATH.",
                  "switchsim");
     app.add_option("--socket", socketPath, "path of the Unix-domain socket")->required();
-    app.add_option("--state", stateDir, "existing folder: switchctl --state finds the switch there too");
+    app.add_option("--state", stateDir,
+                   "existing folder: switchctl --state finds the switch there too, and the switch's "
+                   "files are the ones of an agentd of the same folder; without it the switch has none");
     app.add_option("--platform", platformType, "hardware family, 4 and 5 have forwarding profiles")
         ->check(CLI::Range(0, 255));
     CLI11_PARSE(app, argc, argv);

@@ -67,6 +67,9 @@ Simulator::Simulator(std::function<void()> die)
     families_.push_back(makeVlans(device_));
     families_.push_back(makeStaticMacs(device_));
     families_.push_back(makeDhcpClient(device_));
+    families_.push_back(makeDhcpServer(device_));
+    families_.push_back(makeRoutes(device_));
+    families_.push_back(makeReachability(device_));
     families_.push_back(makeJumbo(device_));
     families_.push_back(makeTrustDscp(device_));
     families_.push_back(makeStormControl(device_));
@@ -75,11 +78,25 @@ Simulator::Simulator(std::function<void()> die)
     families_.push_back(makePoe(device_));
     families_.push_back(makePlugins(device_));
     families_.push_back(makeTasks(device_));
+    families_.push_back(makeChassis(device_));
+    families_.push_back(makeStack(device_));
+    families_.push_back(makeFlash(device_));
+    families_.push_back(makeConfigFiles(device_));
+    device_.runningConfig = [this] { return runningConfig(); };
     for (const auto &family : families_)
         family->registerCalls(calls_);
 }
 
 Simulator::~Simulator() = default;
+
+std::string Simulator::runningConfig() const
+{
+    std::string text = "!\nver 09.0.10T211\n!\n";
+    for (const auto &family : families_)
+        for (const std::string &line : family->configLines())
+            text += line + "\n";
+    return text + "!\nend\n";
+}
 
 std::optional<backend::Bytes> Simulator::serve(backend::BytesView bytes, Caller &caller)
 {
@@ -95,12 +112,14 @@ std::optional<backend::Bytes> Simulator::serve(backend::BytesView bytes, Caller 
     Outcome outcome;
     std::uint64_t seq = 0;
     {
-        const std::lock_guard lock(mutex_);
+        std::unique_lock lock(mutex_);
         const auto fault = faults_.isEmpty() ? std::nullopt : faults_.strike(call->name, namesOf(*message));
         if (fault && fault->kind == FaultKind::exit)
             die_();
         if (!call->isQuiet)
             seq = journal_.begin(*call, *request);
+        if (call->isSlow)
+            lock.unlock();
         outcome = carryOut(*call, *request, *message, fault);
     }
     // Waiting without the lock: others may ask meanwhile, and the user may look and clear the fault.
@@ -158,6 +177,8 @@ void Simulator::setValue(std::string_view name, std::int64_t value)
 {
     const std::lock_guard lock(mutex_);
     device_.values.set(name, value);
+    for (const auto &family : families_)
+        family->valueChanged(name);
 }
 
 void Simulator::addFault(Fault fault)

@@ -58,6 +58,8 @@ private:
     Outcome carryOut(const Call &call, const backend::Request &request, const ProtobufCMessage &message,
                      const std::optional<Fault> &fault);
 
+    std::string runningConfig() const;
+
     mutable std::mutex mutex_; // guards all but the journal, which has its own
     Device device_;
     std::vector<std::unique_ptr<Family>> families_;

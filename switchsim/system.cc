@@ -180,6 +180,11 @@ public:
             .withArgument("flag");
     }
 
+    std::vector<std::string> configLines() const override
+    {
+        return {"hostname " + device_.hostName.name};
+    }
+
     Json show() const override
     {
         return {{"hostname", {{"name", device_.hostName.name}, {"source", device_.hostName.source}}},

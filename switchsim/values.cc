@@ -15,8 +15,14 @@ constexpr Value kAtStart[] = {
     {"fips-cc-allow-aaa-server-any", 0, 1, "Common Criteria mode allows any AAA server"},
     {"dhcp-client-enabled", 0, 1, "the DHCP client is on"},
     {"dhcp-server-enabled", 0, 1, "the DHCP server is on"},
+    {"stack-units", 3, 12, "units of the stack"},
+    {"download-busy", 0, 1, "an image is being downloaded"},
+    {"running-config-dirty", 0, 1, "the running configuration has a line that is not saved"},
     {"unplugged-port", 0, 24, "the port of the unit that has no cable; 0: all have one"},
     {"poe-budget", 370'000, 10'000'000, "milliwatts that the unit can give to its ports"},
+    {"dhcp-leases", 0, 10'000, "clients that have a lease of the DHCP server; the file of leases is written anew"},
+    {"dhcp-static-leases", 0, 200, "fixed leases in the DHCP server's first pool"},
+    {"routes", 3, 1'000'000, "routes in the IPv4 table"},
     {"poe-draw", 6'400, 100'000, "milliwatts that the device on an enabled port takes"},
 };
 

@@ -29,7 +29,11 @@ DECLARE_UNIT(openconfig_if_ip);
 DECLARE_UNIT(openconfig_vlan);
 DECLARE_UNIT(openconfig_network_instance);
 DECLARE_UNIT(lyn_openconfig_network_instance_aug);
+DECLARE_UNIT(lyn_openconfig_iproute);
+DECLARE_UNIT(lyn_openconfig_dhcp_server);
 DECLARE_UNIT(lyn_openconfig_jumbo);
+DECLARE_UNIT(lyn_openconfig_ping);
+DECLARE_UNIT(lyn_openconfig_traceroute);
 DECLARE_UNIT(lyn_openconfig_system_aug);
 DECLARE_UNIT(lyn_openconfig_aaa_aug);
 DECLARE_UNIT(openconfig_aaa);
@@ -38,6 +42,10 @@ DECLARE_UNIT(lyn_openconfig_if_poe_aug);
 DECLARE_UNIT(lyn_openconfig_protectedport);
 DECLARE_UNIT(lyn_openconfig_stormcontrol);
 DECLARE_UNIT(lyn_openconfig_if_trust_dscp_aug);
+DECLARE_UNIT(lyn_openconfig_platform_aug);
+DECLARE_UNIT(openconfig_platform);
+DECLARE_UNIT(lyn_openconfig_stack);
+DECLARE_UNIT(lyn_openconfig_flash);
 DECLARE_UNIT(lyn_openconfig_forwarding_profile);
 
 namespace bundle {
@@ -69,20 +77,20 @@ constexpr UnitRow kUnits[] = {
     PENDING("lyn-openconfig-vlan-aug", "2021-11-15"),
     UNIT(lyn_openconfig_jumbo, "lyn-openconfig-jumbo", "2021-11-05"),
     PENDING("lyn-flexauth-dev", "2021-12-07"),
-    PENDING("lyn-openconfig-platform-aug", "2021-11-04"),
-    PENDING("lyn-openconfig-dhcp-server", "2021-09-16"),
+    UNIT(lyn_openconfig_platform_aug, "lyn-openconfig-platform-aug", "2021-11-04"),
+    UNIT(lyn_openconfig_dhcp_server, "lyn-openconfig-dhcp-server", "2021-09-16"),
     PENDING("lyn-openconfig-dhcp-client", "2021-11-22"),
     PENDING("lyn-openconfig-dhcpv6-client", "2021-11-22"),
     UNIT(openconfig_if_aggregate_aug, "openconfig-if-aggregate-aug", "2021-11-24"),
     PENDING("lyn-openconfig-if-dai-aug", "2021-12-27"),
     PENDING("lyn-openconfig-if-dhcp-snoop-aug", "2021-12-27"),
-    PENDING("openconfig-platform", "2018-11-21"),
-    PENDING("lyn-openconfig-stack", "2021-11-04"),
+    UNIT(openconfig_platform, "openconfig-platform", "2018-11-21"),
+    UNIT(lyn_openconfig_stack, "lyn-openconfig-stack", "2021-11-04"),
     UNIT(lyn_openconfig_stormcontrol, "lyn-openconfig-stormcontrol", "2021-10-28"),
     PENDING("lyn-igmp-mld-snooping", "2021-12-10", false, FailureText::named, "igmp_mld_snooping"),
     PENDING("lyn-openconfig-if-ndi-aug", "2021-12-27"),
     PENDING("lyn-openconfig-if-source-guard-aug", "2021-12-27"),
-    PENDING("lyn-openconfig-flash", "2022-01-08"),
+    UNIT(lyn_openconfig_flash, "lyn-openconfig-flash", "2022-01-08"),
     PENDING("lyn-openconfig-snmp-server", "2022-01-10"),
     PENDING("lyn-openconfig-acl-aug", "2022-01-19"),
     PENDING("lyn-openconfig-spanning-tree-aug", "2018-11-21"),
@@ -92,9 +100,9 @@ constexpr UnitRow kUnits[] = {
     PENDING("lyn-openconfig-supportsave", "2022-02-22"),
     UNIT(lyn_openconfig_system_aug, "lyn-openconfig-system-aug", "2022-03-23", false, FailureText::named, "default-gateway"),
     PENDING("lyn-openconfig-archive", "2022-03-12", false, FailureText::named, "lyn_archive"),
-    PENDING("lyn-openconfig-ping", "2022-07-05", false, FailureText::named, "lyn_ping"),
-    PENDING("lyn-openconfig-traceroute", "2022-07-05", false, FailureText::named, "lyn_traceroute"),
-    PENDING("lyn-openconfig-iproute", "2022-07-05", false, FailureText::named, "lyn_iproute"),
+    UNIT(lyn_openconfig_ping, "lyn-openconfig-ping", "2022-07-05", false, FailureText::named, "lyn_ping"),
+    UNIT(lyn_openconfig_traceroute, "lyn-openconfig-traceroute", "2022-07-05", false, FailureText::named, "lyn_traceroute"),
+    UNIT(lyn_openconfig_iproute, "lyn-openconfig-iproute", "2022-07-05", false, FailureText::named, "lyn_iproute"),
     PENDING("lyn-openconfig-management_config", "2022-09-09", false, FailureText::named, "lyn_management_config"),
     UNIT(lyn_openconfig_network_instance_aug, "lyn-openconfig-network-instance-aug", "2022-08-23"),
     PENDING("lyn-openconfig-vlan-webauth-aug", nullptr, false, FailureText::named, "lyn_openconfig_webauth"),

@@ -28,9 +28,10 @@ struct Leaf {
 };
 
 // Makes each requested leaf that the table knows and hands it over; a leaf that cannot be made ends the
-// walk with its status.
+// walk with its status, and its name in *failed.
 template <class Answer, std::size_t N>
-Status returnLeaves(GetBlock *get2cb, const char *module, const Answer &answer, const Leaf<Answer> (&leaves)[N])
+Status returnLeaves(GetBlock *get2cb, const char *module, const Answer &answer, const Leaf<Answer> (&leaves)[N],
+                    const char **failed = nullptr)
 {
     const Object *parent = getcb_get_obj(get2cb);
     for (Object *child = getcb_first_requested_child(get2cb, parent); child;
@@ -40,6 +41,8 @@ Status returnLeaves(GetBlock *get2cb, const char *module, const Answer &answer, 
                 continue;
             LeafMaker maker{child, module};
             Value *value = leaf.make(maker, answer);
+            if (failed)
+                *failed = leaf.name;
             if (!value && maker.status == kOk)
                 continue;
             if (!value)

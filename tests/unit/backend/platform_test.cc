@@ -1,5 +1,6 @@
 #include "backend/platform.h"
 
+#include "backend/device_files.h"
 #include "backend/task.h"
 #include "scripted_transport.h"
 
@@ -70,6 +71,7 @@ TEST(FileRoot, StandsBeforeEveryPathOfTheDevice)
 {
     std::array<char, 40> out{};
     backend_set_file_root("/tmp/device");
+    EXPECT_TRUE(backend_has_file_root());
     EXPECT_EQ(backend_file_path("/grey_slab/a..b", out.data(), out.size()), 26U);
     EXPECT_STREQ(out.data(), "/tmp/device/grey_slab/a..b");
     for (const char *bad : {"", "grey_slab", "/../etc", "/a/../../etc", "/a/.."}) {
@@ -82,6 +84,7 @@ TEST(FileRoot, StandsBeforeEveryPathOfTheDevice)
     backend_set_file_root(nullptr);
     EXPECT_EQ(backend_file_path("/a", out.data(), out.size()), 2U);
     EXPECT_STREQ(out.data(), "/a");
+    EXPECT_FALSE(backend_has_file_root());
 }
 
 } // namespace

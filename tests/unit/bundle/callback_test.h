@@ -45,6 +45,10 @@ struct Step {
 
 void PrintTo(const Step &step, std::ostream *out);
 
+// The commonest step: a merge in apply.
+Step merged(std::string name, std::optional<std::string> before, std::optional<std::string> after, Deed deed = {},
+            std::optional<switchsim::Fault> fault = {});
+
 switchsim::Fault noAnswer(const std::string &call, unsigned after = 0);
 switchsim::Fault refusal(const std::string &call, std::optional<std::string> text, std::int32_t uiErr = 1,
                          std::int32_t appErr = 0);
@@ -60,6 +64,7 @@ protected:
     static void SetUpTestSuite() { bench_ = std::make_unique<SwitchBench>("", 4); }
     static void TearDownTestSuite() { bench_.reset(); }
 
+    static SwitchBench &bench() { return *bench_; }
     // Calls the callback of that path as the step says.
     static Deed perform(const std::string &path, const Step &step);
 

@@ -1,0 +1,3 @@
+#include "frame/unit.h"
+
+USER_UNIT(openconfig_platform_psu);
