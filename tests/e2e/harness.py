@@ -202,13 +202,21 @@ class Agent:
 
     def audited(self, *words, seconds=5):
         """The last line of the audit trail with all these words, which may be on its way."""
-        deadline = time.monotonic() + seconds
-        while True:
-            found = [line for line in self.audit() if all(word in line for word in words)]
-            if found:
-                return found[-1]
-            assert time.monotonic() < deadline, f"nothing with {words} in the audit trail"
-            time.sleep(0.02)
+        return _last_line(self.audit, words, seconds)
+
+    def logged(self, *words, seconds=5):
+        """The last line of the log with all these words, which may be on its way."""
+        return _last_line(lambda: self.log.splitlines(), words, seconds)
+
+
+def _last_line(lines, words, seconds):
+    deadline = time.monotonic() + seconds
+    while True:
+        found = [line for line in lines() if all(word in line for word in words)]
+        if found:
+            return found[-1]
+        assert time.monotonic() < deadline, f"no line with {words}"
+        time.sleep(0.02)
 
 
 def switchctl(*words):

@@ -391,8 +391,8 @@ class TestRestart:
             switchctl("--socket", tmp_path / "s", "fault", "add", call, "refuse", "--ui-err", 1, "--text", "not this one",
                       "--count", 1)
             with Agent(device=f"unix:{tmp_path}/s") as agent, connect(agent) as session:
-                assert "load of /openconfig-interfaces:interfaces/interface[name='ethernet 1/1/1']" in agent.log
-                assert "not this one" in agent.log
+                agent.logged("load of /openconfig-interfaces:interfaces/interface[name='ethernet 1/1/1']")
+                agent.logged("not this one")
                 assert "ethernet 1/1/1<" in str(session.get_config("running"))
                 asked = [json.loads(line)["request"] for line in
                          switchctl("--socket", tmp_path / "s", "journal", "--json").splitlines()]

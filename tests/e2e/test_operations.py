@@ -153,7 +153,7 @@ class TestReaching:
     def test_a_resolver_that_is_down(self, agent, command):
         agent.switch("fault", "add", "ui_resolve_dns", "null")
         refused(self.ask(agent, command, {"destination": "server.example.net"}), 500, 4)
-        assert f"{command.capitalize()} Failed DNS: DNS query timed out...failed to resolve" in agent.log
+        agent.logged(f"{command.capitalize()} Failed DNS: DNS query timed out...failed to resolve")
 
 
 def dhcp_pool(name, **leaves):
