@@ -130,6 +130,11 @@ def test_one_get_reads_every_port(switch):
     assert all(after[name] > before[name] for name in before if name != "ethernet 1/1/1")
 
 
+def test_counters_alone_are_one_query(switch):
+    assert switch.get(interface("ethernet 1/1/2", "/state/counters")).status_code == 200
+    assert [call for call, _ in switch.sent()] == ["ui_fe_interface_config_msg"]
+
+
 def test_all_of_it_goes_again(switch):
     done(switch.delete(ethernet(4, "/openconfig-vlan:switched-vlan/config")))
     done(switch.delete(interface("lag 5", "/openconfig-if-aggregate:aggregation/openconfig-vlan:switched-vlan/config")))

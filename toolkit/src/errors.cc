@@ -61,13 +61,26 @@ void clearErrors(const ly_ctx *context)
 
 namespace {
 
+constexpr std::size_t kLongestMessage = 500;
+
+// A client need not get back megabytes that it sent. Cut between two characters of UTF-8.
+std::string shortened(const std::string &text)
+{
+    if (text.size() <= kLongestMessage)
+        return text;
+    std::size_t end = kLongestMessage;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U)
+        --end;
+    return text.substr(0, end) + "...";
+}
+
 // libyang quotes a value that it refuses; that of a secret leaf is not passed on.
 std::string messageOf(const ly_err_item &item, const std::string &fallback)
 {
     const char *step = item.path ? std::strrchr(item.path, '/') : nullptr;
     if (step && isSecretName(step))
         return "The value is not allowed here.";
-    return item.msg ? item.msg : fallback;
+    return item.msg ? shortened(item.msg) : fallback;
 }
 
 } // namespace

@@ -80,6 +80,10 @@ void Retrieval::run(const Target::Node &target, const Selection &selection, unsi
         return;
     }
     std::vector<AnswerNode> chain(target.steps.size());
+    // What has a callback of its own is not asked of those above it.
+    std::size_t asked = chain.size() - 1;
+    while (asked > 0 && !infoOf(target.steps[asked].schema).get)
+        --asked;
     for (std::size_t i = 0; i < chain.size(); ++i) {
         const auto &step = target.steps[i];
         AnswerNode *above = i ? &chain[i - 1] : nullptr;
@@ -90,10 +94,11 @@ void Retrieval::run(const Target::Node &target, const Selection &selection, unsi
         chain[i] = {above, step.schema, findStep(const_cast<lyd_node *>(siblings), step), step.keys, nullptr};
         const Selection wanted = restrictTo(target, i + 1, selection);
         if (step.schema->nodetype == LYS_LIST) {
-            askList(step.schema, above, &step.keys, wanted, last ? depth : kUnlimited);
+            if (i >= asked || !chain[i].running)
+                askList(step.schema, above, &step.keys, wanted, last ? depth : kUnlimited);
             if (!chain[i].running && !isAnswered(chain[i]))
                 return; // nobody knows this entry
-        } else {
+        } else if (i >= asked) {
             ask(step.schema, chain[i], wanted, last ? depth : kUnlimited);
         }
     }
