@@ -4,7 +4,7 @@ STATE ?= state
 JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: deps deps-extra build run test unit e2e sanitize fuzz bench soak lint format clean
+.PHONY: deps deps-extra build run test unit e2e check sanitize fuzz bench soak lint format clean
 .DEFAULT_GOAL := build
 
 # Debian packages; only when one is missing is root needed.
@@ -37,6 +37,13 @@ sanitize:
 FUZZ_SECONDS ?= 60
 fuzz: deps-extra
 	@tools/fuzz $(FUZZ_SECONDS)
+
+# What takes too long for every change: once a night.
+check: build
+	$(MAKE) sanitize
+	$(MAKE) fuzz FUZZ_SECONDS=600
+	KILLS=200 BUILD=$(BUILD) /usr/bin/python3 -m pytest -q tests/e2e/test_durability.py
+	$(MAKE) soak
 
 bench: build
 	@tools/bench $(BUILD)

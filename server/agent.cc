@@ -209,6 +209,7 @@ void Agent::finishStop()
 int serve(const ServeOptions &options)
 try {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error like a full disk
     Agent(options).run();
     return EXIT_SUCCESS;
 } catch (const std::exception &failure) {

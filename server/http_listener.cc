@@ -2,6 +2,7 @@
 
 #include "toolkit/log.h"
 
+#include <algorithm>
 #include <boost/asio/post.hpp>
 #include <boost/asio/strand.hpp>
 #include <charconv>
@@ -112,6 +113,14 @@ std::size_t HttpListener::connections() const
     return register_->sessions.size();
 }
 
+// The one that has had the longest time to log in, and did not, ends.
+bool HttpListener::makeRoom() const
+{
+    const auto sessions = liveSessions();
+    return std::any_of(sessions.begin(), sessions.end(),
+                       [](const auto &session) { return session->giveWay(); });
+}
+
 void HttpListener::accept()
 {
     if (!acceptor_.is_open())
@@ -140,10 +149,11 @@ void HttpListener::admit(tcp::socket socket)
 {
     const bool isFull = connections() >= environment_.limits.connections;
     if (isFull && !std::exchange(wasFull_, true))
-        log_error("agentd: %zu connections are open, more are refused\n", environment_.limits.connections);
-    if (isFull)
+        log_error("agentd: %zu connections are open: those that are not logged in give way\n",
+                  environment_.limits.connections);
+    if (isFull && !makeRoom())
         return; // the socket closes
-    wasFull_ = false;
+    wasFull_ = isFull;
     std::shared_ptr<HttpSession> session;
     {
         const std::lock_guard lock(register_->mutex);

@@ -46,6 +46,7 @@ private:
         std::map<std::uint64_t, std::weak_ptr<HttpSession>> sessions;
     };
     std::vector<std::shared_ptr<HttpSession>> liveSessions() const;
+    bool makeRoom() const;
     void accept();
     void onAccepted(boost::system::error_code error, boost::asio::ip::tcp::socket socket);
     void admit(boost::asio::ip::tcp::socket socket);

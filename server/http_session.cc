@@ -84,6 +84,15 @@ void HttpSession::stop()
     });
 }
 
+bool HttpSession::giveWay()
+{
+    if (!mayGiveWay_.exchange(false))
+        return false;
+    net::post(stream_.get_executor(),
+              [self = shared_from_this()] { beast::get_lowest_layer(self->stream_).close(); });
+    return true;
+}
+
 auto HttpSession::then(Step step)
 {
     return beast::bind_front_handler(step, shared_from_this());
@@ -136,10 +145,13 @@ void HttpSession::readHeader()
     http::async_read_header(stream_, buffer_, *parser_, then(&HttpSession::onHeader));
 }
 
-void HttpSession::onHeader(Error error, std::size_t)
+void HttpSession::onHeader(Error error, std::size_t count)
 {
     if (error)
         return refuseUnreadable(error);
+    // The parser counts only what did not come at once.
+    if (count > environment_.limits.headerBytes)
+        return refuse(HttpFault::headerTooLong);
     if (parser_->get().version() >= 11 && parser_->get().count(http::field::host) != 1)
         return refuse(HttpFault::noHost);
     authenticate();
@@ -162,6 +174,7 @@ void HttpSession::onLogin(Login login)
 {
     if (login != Login::accepted)
         return refuse(login == Login::busy ? HttpFault::tooManyLogins : HttpFault::badCredentials);
+    mayGiveWay_ = false;
     if (!std::exchange(isKnown_, true))
         environment_.service.noteLogin(user_, peer_);
     parser_->get().erase(http::field::authorization);

@@ -36,6 +36,8 @@ public:
     void start();
     // From any thread: ends at once if it waits for a request, otherwise after the answer at hand.
     void stop();
+    // From any thread: ends unless somebody has logged in. False: it stays, or ends already.
+    bool giveWay();
 
 private:
     using Error = boost::system::error_code;
@@ -76,7 +78,8 @@ private:
     std::string user_;
     std::size_t drained_ = 0;
     bool isKnown_ = false; // showed good credentials before
-    bool isIdle_ = false;  // waits for the first byte of a request
+    std::atomic<bool> mayGiveWay_{true};
+    bool isIdle_ = false; // waits for the first byte of a request
     bool isStopping_ = false;
     bool closes_ = false; // nothing more is read from this client
 };

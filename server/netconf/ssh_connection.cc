@@ -68,6 +68,22 @@ void SshConnection::stop()
     post([this] { isStopping_ = true; });
 }
 
+bool SshConnection::giveWay()
+{
+    if (!leaveStrangers())
+        return false;
+    net::post(strand_, [self = shared_from_this()] { self->close(); });
+    return true;
+}
+
+bool SshConnection::leaveStrangers()
+{
+    const bool wasOne = isStranger_.exchange(false);
+    if (wasOne)
+        --environment_.strangers;
+    return wasOne;
+}
+
 void SshConnection::post(std::function<void()> action)
 {
     net::post(strand_, [self = shared_from_this(), action = std::move(action)] {
@@ -199,8 +215,7 @@ void SshConnection::accept(const ssh_message &message)
 {
     ::ssh_message_auth_reply_success(message, 0);
     state_ = State::loggedIn;
-    if (std::exchange(isStranger_, false))
-        --environment_.strangers;
+    leaveStrangers();
     allow(environment_.limits.hello);
     note("accepted");
 }
@@ -352,8 +367,7 @@ void SshConnection::close()
 {
     if (std::exchange(state_, State::closed) == State::closed)
         return;
-    if (std::exchange(isStranger_, false))
-        --environment_.strangers;
+    leaveStrangers();
     endNetconf();
     channel_ = nullptr;
     ::ssh_disconnect(session_.get());

@@ -49,6 +49,8 @@ public:
     void start();
     // From any thread: takes no more requests, and ends when the one under way is answered.
     void stop();
+    // From any thread: ends unless somebody has logged in. False: it stays, or ends already.
+    bool giveWay();
 
     // As the transport of its session.
     void send(std::string bytes) override;
@@ -82,6 +84,7 @@ private:
     void awaitDeadline();
     void onDeadline();
     void note(const char *outcome) const;
+    bool leaveStrangers();
     void close();
 
     const boost::asio::any_io_executor strand_;
@@ -95,7 +98,8 @@ private:
     Clock::time_point deadline_;
     bool isVerifying_ = false; // a password is being checked
     bool isAwaitingRead_ = false, isAwaitingWrite_ = false, isAwaitingDeadline_ = false;
-    bool isAdvancing_ = false, hasMore_ = false, isStopping_ = false, isStranger_ = true;
+    bool isAdvancing_ = false, hasMore_ = false, isStopping_ = false;
+    std::atomic<bool> isStranger_{true}; // not logged in, and counted as such
     bool hasNetconfEnded_ = false, hasSaidFarewell_ = false;
     unsigned logins_ = 0;
     std::string user_;

@@ -2,6 +2,7 @@
 
 #include "toolkit/log.h"
 
+#include <algorithm>
 #include <boost/asio/post.hpp>
 #include <boost/asio/strand.hpp>
 #include <boost/system/system_error.hpp>
@@ -69,6 +70,14 @@ bool SshListener::isFull() const
     return environment_.strangers >= limits.strangers || connections() >= limits.sessions + limits.strangers;
 }
 
+// The one that has had the longest time to log in, and did not, ends.
+bool SshListener::makeRoom() const
+{
+    const auto live = liveConnections();
+    return std::any_of(live.begin(), live.end(),
+                       [](const auto &connection) { return connection->giveWay(); });
+}
+
 void SshListener::accept()
 {
     if (!acceptor_.is_open())
@@ -102,10 +111,10 @@ void SshListener::admit(tcp::socket socket)
 {
     const bool full = isFull();
     if (full && !std::exchange(wasFull_, true))
-        log_error("agentd: too many NETCONF connections are open, more are refused\n");
-    if (full)
+        log_error("agentd: too many NETCONF connections are open: those that are not logged in give way\n");
+    if (full && !makeRoom())
         return; // the socket closes
-    wasFull_ = false;
+    wasFull_ = full;
     boost::system::error_code gone;
     const tcp::endpoint peer = socket.remote_endpoint(gone);
     SshSessionHandle session(::ssh_new());

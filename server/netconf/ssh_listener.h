@@ -29,6 +29,7 @@ private:
     };
     std::vector<std::shared_ptr<SshConnection>> liveConnections() const;
     bool isFull() const;
+    bool makeRoom() const;
     void accept();
     void onAccepted(boost::system::error_code error, boost::asio::ip::tcp::socket socket);
     void admit(boost::asio::ip::tcp::socket socket);

@@ -114,6 +114,10 @@ const XPathCase kXPathCases[] = {
     {"a_position", "/p:top/p:entry[2]/p:own", "<entry><name>b</name><own>1</own></entry>"},
     {"an_axis", "/child::p:top/child::p:plain", "<plain>p</plain>"},
     {"a_wildcard", "/p:top/p:config/*", "<config><enabled>true</enabled><limit>3</limit></config>"},
+    {"a_wildcard_with_a_predicate", "/p:top/p:entry/*[p:value='v']",
+     "<entry><name>a</name><config><value>v</value></config></entry>"},
+    {"a_product", "/p:top/p:entry[position() * 2 = 4]/p:own", "<entry><name>b</name><own>1</own></entry>"},
+    {"searches_in_a_text", "/p:top/p:entry[p:name='//*[node()]']", ""},
     {"a_colon_in_a_text", "/p:top/p:entry[p:name='p:x']", ""},
     {"nothing_there", "/p:top/p:marked", ""},
 };
@@ -125,6 +129,20 @@ TEST(XPathFilterRefuses, WhatSelectsNoNodes)
     StoresBench bench(kData);
     for (const char *expression : {"count(/p:top/p:entry)", "/p:top[", "/x:top", "1 +", ""})
         EXPECT_THROW(byXPath(bench, expression), Failure) << expression;
+}
+
+// What would look at everything again and again.
+TEST(XPathFilterRefuses, SearchesInsidePredicatesAndTooManyOfThem)
+{
+    StoresBench bench(kData);
+    std::string many = "//p:own";
+    for (int i = 0; i < 20; ++i)
+        many += "|//p:own";
+    const std::string expressions[] = {"//*[count(//*) > 0]",    "/p:top/p:entry[../*]",
+                                       "//*[descendant::p:own]", "//p:own[../p:name[following::p:own]]",
+                                       "//*[count(node())>1]",   many};
+    for (const std::string &expression : expressions)
+        EXPECT_EQ(bench.attempt([&] { byXPath(bench, expression); }).tag(), "too-big") << expression;
 }
 
 std::vector<std::string> askedRows;

@@ -396,6 +396,8 @@ TEST_F(HttpSessionTest, HasRoomForSoManyOnly)
     serve();
     auto first = std::make_unique<Client>(port);
     Client second(port);
+    for (Client *client : {first.get(), &second})
+        EXPECT_EQ(client->ask(get("/a")), "/a|");
     EXPECT_THROW(Client third(port), boost::system::system_error);
     EXPECT_EQ(second.ask(get("/a")), "/a|");
     first.reset();
@@ -403,6 +405,18 @@ TEST_F(HttpSessionTest, HasRoomForSoManyOnly)
     while (listener->connections() > 1 && steady_clock::now() < deadline)
         std::this_thread::sleep_for(5ms);
     EXPECT_EQ(Client(port).ask(get("/a")), "/a|");
+}
+
+TEST_F(HttpSessionTest, MakesRoomWhereNobodyHasLoggedIn)
+{
+    limits.connections = 3;
+    serve();
+    Client known(port);
+    EXPECT_EQ(known.ask(get("/a")), "/a|");
+    Client older(port), newer(port), last(port);
+    EXPECT_TRUE(older.end().failed());
+    for (Client *client : {&known, &newer, &last})
+        EXPECT_EQ(client->ask(get("/a")), "/a|");
 }
 
 TEST_F(HttpSessionTest, StopsAtOnceButFinishesWhatItBegan)
