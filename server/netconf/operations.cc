@@ -204,6 +204,15 @@ Plan getSchema(const Asked &asked)
     }};
 }
 
+void checkNamespace(const tk::Host &host, const pugi::xml_node &operation)
+{
+    const std::string nameSpace = tk::namespaceOf(operation);
+    const auto modules = host.modules();
+    if (std::none_of(modules.begin(), modules.end(),
+                     [&](const tk::ModuleInfo &module) { return module.nameSpace == nameSpace; }))
+        throw unknownNamespace(tk::localName(operation), nameSpace);
+}
+
 // What the bundle provides.
 Plan invoke(const OperationContext &context, const pugi::xml_node &operation)
 {
@@ -265,6 +274,8 @@ Plan planOperation(const OperationContext &context, const pugi::xml_node &operat
         return planFrom(kMonitoringOperations, context, operation, session.id);
     if (nameSpace == tk::kYangNamespace && tk::localName(operation) != "action")
         throw unknownOperation(tk::localName(operation));
+    if (nameSpace != tk::kYangNamespace)
+        checkNamespace(context.host, operation);
     return invoke(context, operation);
 }
 

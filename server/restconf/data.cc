@@ -6,6 +6,7 @@
 #include "server/restconf/query.h"
 #include "server/text.h"
 
+#include <nlohmann/json.hpp>
 #include <pugixml.hpp>
 
 namespace agentd::restconf {
@@ -97,12 +98,22 @@ void checkNesting(const std::string &body, tk::Encoding encoding)
         throw badBody(*fault);
 }
 
+// What is no document at all is refused before it waits for the switch.
+void checkSyntax(const std::string &body, tk::Encoding encoding)
+{
+    if (encoding == tk::Encoding::json && !nlohmann::json::accept(body))
+        throw badBody("the body is not well-formed JSON");
+    if (encoding == tk::Encoding::xml && !pugi::xml_document().load_buffer(body.data(), body.size()))
+        throw badBody("the body is not well-formed XML");
+}
+
 tk::Encoding checkedBody(const HttpMessage &message, std::string_view acceptPatch = {})
 {
     if (message.body().empty())
         throw badBody("the request needs a body");
     const tk::Encoding encoding = *bodyEncoding(message, acceptPatch);
     checkNesting(message.body(), encoding);
+    checkSyntax(message.body(), encoding);
     return encoding;
 }
 

@@ -401,7 +401,8 @@ class TestSlowSwitch:
             ("GET", f"{DATA}?content=config", None, 200),
             ("HEAD", CONFIG, None, 200), ("OPTIONS", CONFIG, None, 200), ("GET", "/restconf", None, 200),
             ("GET", f"{DATA}/none:none", None, 400), ("DELETE", DATA, None, 405), ("PUT", CONFIG, "", 400),
-            ("PUT", CONFIG, "[" * 100, 400), ("PUT", f"{CONFIG}?depth=1", body(True), 400),
+            ("PUT", CONFIG, "[" * 100, 400),
+            ("PUT", CONFIG, '{"lyn-openconfig-jumbo:config":', 400), ("PATCH", CONFIG, "{]}", 400), ("PUT", f"{CONFIG}?depth=1", body(True), 400),
             ("PUT", f"{JUMBO}/operation-state", body(True), 405), ("GET", "/restconf/none", None, 404),
         ]
         with connect(agent) as session, slow_switch(agent, 4000) as edit:
@@ -418,6 +419,7 @@ class TestSlowSwitch:
             with Wire(agent) as wire:
                 wire.hello("1.0")
                 assert "operation-not-supported" in wire.ask("<explode/>")
+                assert "unknown-namespace" in wire.ask("<explode xmlns='urn:x'/>")
             assert time.monotonic() - began < 3 and not edit.done()
             assert edit.result().status_code == 204
         assert agent.get(CONFIG).json() == body(True)
