@@ -44,6 +44,7 @@ using Clock = std::chrono::steady_clock;
 
 // Where a sync costs nothing, so that what is measured does not hang on the disk.
 constexpr char kMemoryFolder[] = "/dev/shm";
+constexpr char kFactoryFile[] = "factory.json"; // in the state folder
 constexpr char kSwitch[] = "/restconf/data/lyn-openconfig-jumbo:jumbo/config/enabled";
 constexpr char kState[] = "/restconf/data/lyn-openconfig-jumbo:jumbo/operation-state";
 constexpr char kNothing[] = "/restconf/yang-library-version";
@@ -51,6 +52,7 @@ constexpr char kJumboSpace[] = "urn:lyn:yang:lyn-openconfig-jumbo";
 // A list of any number of entries of which the switch is told nothing.
 constexpr char kProtocols[] =
     "/restconf/data/openconfig-network-instance:network-instances/network-instance=default/protocols";
+constexpr char kInterfaces[] = "/restconf/data/openconfig-interfaces:interfaces";
 constexpr char kVlans[] =
     "/restconf/data/openconfig-network-instance:network-instances/network-instance=default/vlans";
 constexpr double kCurveAim = 1.3;
@@ -85,12 +87,15 @@ std::string base64(const std::string &text)
 // An agentd of its own, in a folder that goes with it.
 class Agent {
 public:
-    Agent(const std::string &program, const std::string &folder)
+    // `factory`: what its startup holds, JSON; empty: the usual.
+    Agent(const std::string &program, const std::string &folder, const std::string &factory = {})
     {
         std::string name = folder + "/load-XXXXXX";
         if (!mkdtemp(name.data()))
             throw std::runtime_error("no folder can be made in " + folder);
         state = name;
+        if (!factory.empty())
+            std::ofstream(state / kFactoryFile) << factory;
         start(program);
     }
     ~Agent()
@@ -103,17 +108,21 @@ public:
 
     void start(const std::string &program)
     {
-        const std::string folder = state.string();
-        const char *words[] = {program.c_str(), "--state",     folder.c_str(), "--restconf", "127.0.0.1:0",
-                               "--netconf",     "127.0.0.1:0", "--log",        "0",          nullptr};
+        const std::string folder = state.string(), file = state / kFactoryFile;
+        std::vector<const char *> words{program.c_str(), "--state",     folder.c_str(),
+                                        "--restconf",    "127.0.0.1:0", "--netconf",
+                                        "127.0.0.1:0",   "--log",       "0"};
+        if (std::filesystem::exists(file))
+            words.insert(words.end(), {"--factory", file.c_str()});
+        words.push_back(nullptr);
         int ends[2];
         if (pipe2(ends, O_CLOEXEC))
             throw std::runtime_error("no pipe");
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-        const int failed =
-            posix_spawn(&process_, program.c_str(), &actions, nullptr, const_cast<char **>(words), environ);
+        const int failed = posix_spawn(&process_, program.c_str(), &actions, nullptr,
+                                       const_cast<char **>(words.data()), environ);
         posix_spawn_file_actions_destroy(&actions);
         close(ends[1]);
         FILE *output = fdopen(ends[0], "r");
@@ -460,6 +469,43 @@ void manyVlans(const std::string &program)
     }
 }
 
+void setPorts(const std::string &program, const Agent &agent, int count)
+{
+    const std::string control = (std::filesystem::path(program).parent_path() / "switchctl").string();
+    const std::string folder = agent.state.string(), number = std::to_string(count);
+    const char *words[] = {control.c_str(), "--state",      folder.c_str(), "set",
+                           "ports",         number.c_str(), nullptr};
+    pid_t child = 0;
+    int status = -1;
+    if (posix_spawn(&child, control.c_str(), nullptr, nullptr, const_cast<char **>(words), environ) ||
+        waitpid(child, &status, 0) != child || status != 0)
+        throw std::runtime_error("switchctl failed");
+}
+
+std::string factoryWith(int ports)
+{
+    std::string list;
+    for (int port = 1; port <= ports; ++port) {
+        const std::string name = R"("name":"ethernet 1/1/)" + std::to_string(port) + "\"";
+        list += (list.empty() ? "{" : ",{") + name + R"(,"config":{)" + name +
+            R"(,"type":"iana-if-type:ethernetCsmacd"}})";
+    }
+    return R"({"openconfig-interfaces:interfaces":{"interface":[)" + list + "]}}";
+}
+
+// Everything about all interfaces by one GET, six queries of the switch a port.
+void manyPorts(const std::string &program)
+{
+    for (const int count : {24, 128, 512}) {
+        const Agent agent(program, kMemoryFolder, factoryWith(count));
+        setPorts(program, agent, count);
+        RestconfClient client(agent);
+        const double seconds = median(5, [&](int) { client.must(http::verb::get, kInterfaces); });
+        std::printf("GET of %d interfaces: %.2f ms, %.0f us each\n", count, seconds * 1e3,
+                    seconds / count * 1e6);
+    }
+}
+
 // NETCONF edits of running are not saved, so that many can be made.
 void memory(const Agent &agent, NetconfClient &client, int edits)
 {
@@ -491,6 +537,7 @@ try {
     curve(restconf, netconf);
     std::printf("memory with 40,000 entries: %ld kB\n", agent->resident());
     manyVlans(argv[1]);
+    manyPorts(argv[1]);
     syncedRates(argv[1]);
     memory(*agent, netconf, argc > 2 ? std::stoi(argv[2]) : 20'000);
     return 0;

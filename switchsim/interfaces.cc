@@ -53,6 +53,12 @@ public:
             .withArgument("operation");
     }
 
+    void valueChanged(std::string_view name) override
+    {
+        if (name == "ports")
+            device_.ports.resize(static_cast<unsigned>(device_.values.get(name)));
+    }
+
     Json show() const override
     {
         Json all = Json::object();

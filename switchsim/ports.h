@@ -1,4 +1,4 @@
-// The ports of the switch: one unit with 24.
+// The ports of the switch: one unit with 24, or as many as the value `ports` says.
 #pragma once
 
 #include <cstdint>
@@ -38,8 +38,9 @@ class Ports {
 public:
     static constexpr unsigned kPortsOfUnit = 24;
 
-    Ports();
+    Ports() { resize(kPortsOfUnit); }
 
+    void resize(unsigned count); // the first ones stay as they are
     // Null: there is no such port.
     Port *find(std::string_view name);
     const std::vector<Port> &all() const { return ports_; }

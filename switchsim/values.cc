@@ -19,6 +19,7 @@ constexpr Value kAtStart[] = {
     {"download-busy", 0, 1, "an image is being downloaded"},
     {"running-config-dirty", 0, 1, "the running configuration has a line that is not saved"},
     {"unplugged-port", 0, 24, "the port of the unit that has no cable; 0: all have one"},
+    {"ports", 24, 512, "ports of the unit"},
     {"poe-budget", 370'000, 10'000'000, "milliwatts that the unit can give to its ports"},
     {"dhcp-leases", 0, 10'000, "clients that have a lease of the DHCP server; the file of leases is written anew"},
     {"dhcp-static-leases", 0, 200, "fixed leases in the DHCP server's first pool"},
