@@ -62,4 +62,26 @@ std::string recordName(const ProtobufCMessageDescriptor &descriptor)
     return name;
 }
 
+std::size_t memberSize(ProtobufCType type)
+{
+    switch (type) {
+    case PROTOBUF_C_TYPE_STRING:
+    case PROTOBUF_C_TYPE_MESSAGE:
+        return sizeof(void *);
+    case PROTOBUF_C_TYPE_BYTES:
+        return sizeof(ProtobufCBinaryData);
+    case PROTOBUF_C_TYPE_BOOL:
+        return sizeof(protobuf_c_boolean);
+    case PROTOBUF_C_TYPE_INT64:
+    case PROTOBUF_C_TYPE_SINT64:
+    case PROTOBUF_C_TYPE_SFIXED64:
+    case PROTOBUF_C_TYPE_UINT64:
+    case PROTOBUF_C_TYPE_FIXED64:
+    case PROTOBUF_C_TYPE_DOUBLE:
+        return 8;
+    default:
+        return 4;
+    }
+}
+
 } // namespace backend

@@ -4,6 +4,7 @@
 
 #include <protobuf-c/protobuf-c.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,9 @@ enum class FieldKind {
 // Judges by type and name, see backend/proto/common.proto. A field whose bytes turn out to have another
 // length than its kind says is to be shown as plain bytes.
 FieldKind kindOf(const ProtobufCFieldDescriptor &field);
+
+// Bytes of a member of that type in an unpacked record: a string or message is a pointer.
+std::size_t memberSize(ProtobufCType type);
 
 // True if the value of this sub-entry of a plug-in request is a secret ("password", "key", ...).
 bool isSecretKey(std::string_view key);

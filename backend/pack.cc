@@ -1,5 +1,6 @@
 #include "backend/pack.h"
 
+#include "backend/field_kind.h"
 #include "backend/wire_check.h"
 
 #include <algorithm>
@@ -7,29 +8,12 @@
 namespace backend {
 namespace {
 
-std::size_t widthOf(ProtobufCType type)
-{
-    switch (type) {
-    case PROTOBUF_C_TYPE_INT64:
-    case PROTOBUF_C_TYPE_SINT64:
-    case PROTOBUF_C_TYPE_SFIXED64:
-    case PROTOBUF_C_TYPE_UINT64:
-    case PROTOBUF_C_TYPE_FIXED64:
-    case PROTOBUF_C_TYPE_DOUBLE:
-        return 8;
-    case PROTOBUF_C_TYPE_BOOL:
-        return sizeof(protobuf_c_boolean);
-    default:
-        return 4;
-    }
-}
-
 bool isZero(const void *member, const ProtobufCFieldDescriptor &field)
 {
     if (field.type == PROTOBUF_C_TYPE_BYTES)
         return static_cast<const ProtobufCBinaryData *>(member)->len == 0;
     const auto *bytes = static_cast<const unsigned char *>(member);
-    return std::all_of(bytes, bytes + widthOf(field.type), [](unsigned char byte) { return byte == 0; });
+    return std::all_of(bytes, bytes + memberSize(field.type), [](unsigned char byte) { return byte == 0; });
 }
 
 template <class T>

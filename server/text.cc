@@ -125,4 +125,26 @@ std::vector<std::string_view> split(std::string_view text, char separator)
     }
 }
 
+std::set<std::string> prefixesIn(std::string_view path)
+{
+    std::set<std::string> prefixes;
+    std::string name;
+    char quote = 0;
+    for (const char c : path) {
+        if (quote) {
+            quote = c == quote ? '\0' : quote;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == ':') {
+            prefixes.insert(name);
+            name.clear();
+        } else if (isIdentifierCharacter(c)) {
+            name += c;
+        } else {
+            name.clear();
+        }
+    }
+    return prefixes;
+}
+
 } // namespace agentd

@@ -1,6 +1,7 @@
 // Small questions about texts that more than one part of the server asks.
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,5 +24,8 @@ bool equalsIgnoringCase(std::string_view a, std::string_view b); // ASCII only
 
 // The pieces between the separators; a text without one is one piece, also if it is empty.
 std::vector<std::string_view> split(std::string_view text, char separator);
+
+// The names that stand before a colon in an instance-identifier, outside of quoted values.
+std::set<std::string> prefixesIn(std::string_view path);
 
 } // namespace agentd

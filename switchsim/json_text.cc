@@ -130,33 +130,11 @@ Json valueAsJson(const ProtobufCFieldDescriptor &field, const void *member)
     return nullptr;
 }
 
-std::size_t widthOf(ProtobufCType type)
-{
-    switch (type) {
-    case PROTOBUF_C_TYPE_STRING:
-    case PROTOBUF_C_TYPE_MESSAGE:
-        return sizeof(void *);
-    case PROTOBUF_C_TYPE_BYTES:
-        return sizeof(ProtobufCBinaryData);
-    case PROTOBUF_C_TYPE_BOOL:
-        return sizeof(protobuf_c_boolean);
-    case PROTOBUF_C_TYPE_INT64:
-    case PROTOBUF_C_TYPE_SINT64:
-    case PROTOBUF_C_TYPE_SFIXED64:
-    case PROTOBUF_C_TYPE_UINT64:
-    case PROTOBUF_C_TYPE_FIXED64:
-    case PROTOBUF_C_TYPE_DOUBLE:
-        return 8;
-    default:
-        return 4;
-    }
-}
-
 Json listAsJson(const ProtobufCFieldDescriptor &field, const unsigned char *elements, std::size_t count)
 {
     Json list = Json::array();
     for (std::size_t i = 0; i < count; i++)
-        list.push_back(valueAsJson(field, elements + i * widthOf(field.type)));
+        list.push_back(valueAsJson(field, elements + i * backend::memberSize(field.type)));
     return list;
 }
 

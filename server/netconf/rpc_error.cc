@@ -31,29 +31,6 @@ const char *nameOf(ErrorType type)
     return "application";
 }
 
-// The names that stand before a colon in an instance-identifier, outside of quoted values.
-std::set<std::string> prefixesIn(std::string_view path)
-{
-    std::set<std::string> prefixes;
-    std::string name;
-    char quote = 0;
-    for (const char c : path) {
-        if (quote) {
-            quote = c == quote ? '\0' : quote;
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == ':') {
-            prefixes.insert(name);
-            name.clear();
-        } else if (isIdentifierCharacter(c)) {
-            name += c;
-        } else {
-            name.clear();
-        }
-    }
-    return prefixes;
-}
-
 std::string element(const char *name, const std::string &text, const std::string &attributes = {})
 {
     return std::string("<") + name + attributes + ">" + escaped(printableText(text)) + "</" + name + ">";

@@ -71,29 +71,6 @@ std::string asJson(const std::vector<tk::Error> &errors)
     return document.dump();
 }
 
-// The names that stand before a colon in an instance-identifier, outside of quoted values.
-std::set<std::string> prefixesIn(std::string_view path)
-{
-    std::set<std::string> prefixes;
-    std::string name;
-    char quote = 0;
-    for (const char c : path) {
-        if (quote) {
-            quote = c == quote ? '\0' : quote;
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == ':') {
-            prefixes.insert(name);
-            name.clear();
-        } else if (isIdentifierCharacter(c)) {
-            name += c;
-        } else {
-            name.clear();
-        }
-    }
-    return prefixes;
-}
-
 void addPath(pugi::xml_node entry, const std::string &path, const NamespaceOf &namespaceOf)
 {
     pugi::xml_node node = entry.append_child("error-path");

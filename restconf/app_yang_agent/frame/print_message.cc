@@ -83,28 +83,6 @@ std::string valueText(const ProtobufCFieldDescriptor &field, const void *member)
     }
 }
 
-std::size_t widthOf(ProtobufCType type)
-{
-    switch (type) {
-    case PROTOBUF_C_TYPE_STRING:
-    case PROTOBUF_C_TYPE_MESSAGE:
-        return sizeof(void *);
-    case PROTOBUF_C_TYPE_BYTES:
-        return sizeof(ProtobufCBinaryData);
-    case PROTOBUF_C_TYPE_BOOL:
-        return sizeof(protobuf_c_boolean);
-    case PROTOBUF_C_TYPE_INT64:
-    case PROTOBUF_C_TYPE_SINT64:
-    case PROTOBUF_C_TYPE_SFIXED64:
-    case PROTOBUF_C_TYPE_UINT64:
-    case PROTOBUF_C_TYPE_FIXED64:
-    case PROTOBUF_C_TYPE_DOUBLE:
-        return 8;
-    default:
-        return 4;
-    }
-}
-
 // A number other than zero goes out even if its presence word is not set, so it is shown as well.
 bool isPresent(const ProtobufCFieldDescriptor &field, const unsigned char *record)
 {
@@ -116,7 +94,8 @@ bool isPresent(const ProtobufCFieldDescriptor &field, const unsigned char *recor
         return true;
     if (field.type == PROTOBUF_C_TYPE_BYTES)
         return read<ProtobufCBinaryData>(member).len != 0;
-    return std::any_of(member, member + widthOf(field.type), [](unsigned char byte) { return byte != 0; });
+    return std::any_of(member, member + backend::memberSize(field.type),
+                       [](unsigned char byte) { return byte != 0; });
 }
 
 // The value of a plug-in's sub-entry is a secret by its key.
@@ -147,7 +126,7 @@ void printField(const ProtobufCMessage &message, const ProtobufCFieldDescriptor 
     const auto count = read<std::size_t>(record + field.quantifier_offset);
     const auto *elements = read<const unsigned char *>(record + field.offset);
     for (std::size_t i = 0; i < count; ++i)
-        printValue(message, field, elements + i * widthOf(field.type));
+        printValue(message, field, elements + i * backend::memberSize(field.type));
 }
 
 } // namespace
