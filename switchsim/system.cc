@@ -180,10 +180,7 @@ public:
             .withArgument("flag");
     }
 
-    std::vector<std::string> configLines() const override
-    {
-        return {"hostname " + device_.hostName.name};
-    }
+    std::vector<std::string> configLines() const override { return {"hostname " + device_.hostName.name}; }
 
     Json show() const override
     {

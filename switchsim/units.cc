@@ -23,8 +23,7 @@ StackUnits::StackUnits()
         unit.powerSupplies = {ok, id == 2 ? none : id == 3 ? bad : ok};
         unit.fans = {"ok, speed auto", "ok, speed 1"};
         if (id == 3) // the model with six of them
-            unit.fans = {"ok, speed 2", "ok, speed 2", "failed",
-                         "ok, speed 2", "ok, speed 2", "ok, speed 3"};
+            unit.fans = {"ok, speed 2", "ok, speed 2", "failed", "ok, speed 2", "ok, speed 2", "ok, speed 3"};
         all.push_back(unit);
     }
 }

@@ -72,8 +72,8 @@ enum EditOption : unsigned {
     beforeItsEntries = 1u << 12,  // when told `replace`, deletions inside it follow behind it
     retold = 1u << 13,            // what one of the next two tells again, by a `merge` without child edits
     retells = 1u << 14, // its `merge` or `replace` tells again what is unchanged and `retold` below it
-    retellsSiblings = 1u << 15, // any change of it does the same for the node around it
-    withDefaults = 1u << 16,    // leaves with a schema default stand in both values
+    retellsSiblings = 1u << 15,  // any change of it does the same for the node around it
+    withDefaults = 1u << 16,     // leaves with a schema default stand in both values
     deletedLeafStays = 1u << 17, // on a `merge`, a deleted leaf stays in newval and as a child edit's, marked
     toldFirst = 1u << 18, // told before everything else, the nodes around it too; its `delete` after the rest
 };

@@ -74,7 +74,7 @@ class Target {
 public:
     NodeKind kind() const;
     bool isConfig() const;               // a configuration node (the datastore itself counts as one)
-    bool mayHoldState() const; // by the schema: state stands at or below it
+    bool mayHoldState() const;           // by the schema: state stands at or below it
     const std::string &path() const;     // instance-identifier; "/" for the datastore
     std::vector<PathStep> steps() const; // every step with its module: what a Location header spells
 
@@ -123,8 +123,9 @@ struct EditRequest {
     Encoding encoding = Encoding::json;
     std::optional<Insert> insert;       // post and put into a list or leaf-list ordered by the user
     std::function<void()> precondition; // called under the edit's lock, throws to refuse (If-Match)
-    // Where there are Datastores: come back as soon as the edit is written, before it is safely on disk, so that
-    // edits that wait at the same time share the cost of that. EditOutcome::record says what to wait for.
+    // Where there are Datastores: come back as soon as the edit is written, before it is safely on disk, so
+    // that edits that wait at the same time share the cost of that. EditOutcome::record says what to wait
+    // for.
     bool saveLater = false;
 };
 

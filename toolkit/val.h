@@ -17,8 +17,8 @@ Status val_get_status(const tk::Value *value);     // 0, or why the node is unus
 tk::Value *val_get_parent(const tk::Value *value); // null at the top
 
 // The typed simple value. A node of another type gives false, 0 or, for the string, its text as YANG
-// writes it; identities come without a prefix. An enumeration is both a string and the number of its name. The
-// string is never null.
+// writes it; identities come without a prefix. An enumeration is both a string and the number of its name.
+// The string is never null.
 bool val_get_boolean(const tk::Value *value);
 std::int64_t val_get_int64(const tk::Value *value);
 std::uint64_t val_get_uint64(const tk::Value *value);

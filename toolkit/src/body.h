@@ -15,6 +15,7 @@ void parseConfig(const ly_ctx *context, const std::string &text, Encoding encodi
 
 // Parses what need not be configuration: an operation's input below its node, the server's own state at the
 // top. Throws Failure.
-void parseData(const ly_ctx *context, const std::string &text, Encoding encoding, lyd_node *parent, Tree &tree);
+void parseData(const ly_ctx *context, const std::string &text, Encoding encoding, lyd_node *parent,
+               Tree &tree);
 
 } // namespace tk

@@ -154,8 +154,8 @@ ModuleHandle *Context::load(const std::string &name, const char *revision,
     clearErrors(ly());
     lys_module *module = ly_ctx_load_module(ly(), name.c_str(), revision, enabled.data());
     if (!module) {
-        error_ = "cannot load module " + name + (revision ? std::string("@") + revision : "") + ": "
-            + takeErrorLine(ly(), "not found");
+        error_ = "cannot load module " + name + (revision ? std::string("@") + revision : "") + ": " +
+            takeErrorLine(ly(), "not found");
         // libyang gives up all modules that are not compiled yet together with the one that fails.
         modules_.clear();
         loadOrder_.clear();

@@ -293,7 +293,8 @@ std::vector<PathStep> Host::operations() const
     std::vector<PathStep> names;
     std::uint32_t index = 0;
     while (const lys_module *module = ly_ctx_get_module_iter(impl_->context.ly(), &index))
-        for (const lysc_node_action *rpc = module->compiled ? module->compiled->rpcs : nullptr; rpc; rpc = rpc->next)
+        for (const lysc_node_action *rpc = module->compiled ? module->compiled->rpcs : nullptr; rpc;
+             rpc = rpc->next)
             names.push_back({module->name, rpc->name, {}, false});
     return names;
 }

@@ -31,7 +31,7 @@ public:
     // One edit, from before it is applied until it is carried out or has failed.
     class Edit : public EditWatch {
     public:
-        virtual void mayBegin() = 0;                // called with the turn held, throws to refuse
+        virtual void mayBegin() = 0;              // called with the turn held, throws to refuse
         virtual std::uint64_t record() const = 0; // that was written for it, 0: none
     };
 

@@ -24,8 +24,8 @@ std::string named(const lysc_node *schema, const std::string &input, Encoding en
 }
 
 // The operation's node under its ancestors, with the input's leaves in it.
-Tree parseInput(const Context &context, const Target::Node &target, const std::string &input, Encoding encoding,
-                lyd_node **operation)
+Tree parseInput(const Context &context, const Target::Node &target, const std::string &input,
+                Encoding encoding, lyd_node **operation)
 {
     lyd_node *parent = nullptr, *parsed = nullptr;
     Tree tree = buildSteps(target, target.steps.size() - 1, &parent);
@@ -35,8 +35,8 @@ Tree parseInput(const Context &context, const Target::Node &target, const std::s
         throw malformed("The input cannot be read.");
     clearErrors(context.ly());
     const LYD_FORMAT format = encoding == Encoding::json ? LYD_JSON : LYD_XML;
-    const LY_ERR result = lyd_parse_op(context.ly(), parent, in, format, LYD_TYPE_RPC_YANG, parent ? nullptr : &parsed,
-                                       operation);
+    const LY_ERR result = lyd_parse_op(context.ly(), parent, in, format, LYD_TYPE_RPC_YANG,
+                                       parent ? nullptr : &parsed, operation);
     ly_in_free(in, 0);
     if (!tree)
         tree.reset(parsed);
@@ -49,8 +49,7 @@ void checkInput(Engine &engine, const Context &context, lyd_node *tree)
 {
     const auto reading = engine.read();
     clearErrors(context.ly());
-    if (lyd_validate_op(tree, reading.root, LYD_TYPE_RPC_YANG, nullptr))
-    {
+    if (lyd_validate_op(tree, reading.root, LYD_TYPE_RPC_YANG, nullptr)) {
         auto errors = takeErrors(context.ly(), "The input is not valid.");
         for (Error &error : errors)
             if (error.tag == "data-missing")

@@ -56,7 +56,8 @@ private:
     void visitChildren(const lysc_node *parent, AnswerNode *above, const Selection &selection,
                        unsigned depth);
     void visit(const lysc_node *node, AnswerNode *above, const Selection &selection, unsigned depth);
-    void visitList(const lysc_node *list, AnswerNode *above, const Selection &selection, unsigned depth, bool isTarget = false);
+    void visitList(const lysc_node *list, AnswerNode *above, const Selection &selection, unsigned depth,
+                   bool isTarget = false);
     void ask(const lysc_node *node, AnswerNode &answer, const Selection &selection, unsigned depth);
     void askList(const lysc_node *list, AnswerNode *above, const Keys *keys, const Selection &selection,
                  unsigned depth);

@@ -7,18 +7,33 @@
 
 namespace frame {
 
-// A leaf to be made. Each maker returns the new leaf, or null with the status kept here. A null without a status
-// means that the answer has nothing for the leaf.
+// A leaf to be made. Each maker returns the new leaf, or null with the status kept here. A null without a
+// status means that the answer has nothing for the leaf.
 struct LeafMaker {
     const Object *object; // the leaf's own
     const char *module;
     Status status = kOk;
 
-    Value *boolean(bool value) { return agt_make_boolean_leaf(object, module, obj_get_name(object), value, &status); }
-    Value *number(std::uint32_t value) { return agt_make_uint_leaf2(object, module, obj_get_name(object), value, &status); }
-    Value *integer(std::int32_t value) { return agt_make_int_leaf2(object, module, obj_get_name(object), value, &status); }
-    Value *wide(std::int64_t value) { return agt_make_int64_leaf2(object, module, obj_get_name(object), value, &status); }
-    Value *text(const char *value) { return agt_make_leaf2(object, module, obj_get_name(object), value, &status); }
+    Value *boolean(bool value)
+    {
+        return agt_make_boolean_leaf(object, module, obj_get_name(object), value, &status);
+    }
+    Value *number(std::uint32_t value)
+    {
+        return agt_make_uint_leaf2(object, module, obj_get_name(object), value, &status);
+    }
+    Value *integer(std::int32_t value)
+    {
+        return agt_make_int_leaf2(object, module, obj_get_name(object), value, &status);
+    }
+    Value *wide(std::int64_t value)
+    {
+        return agt_make_int64_leaf2(object, module, obj_get_name(object), value, &status);
+    }
+    Value *text(const char *value)
+    {
+        return agt_make_leaf2(object, module, obj_get_name(object), value, &status);
+    }
 };
 
 template <class Answer>
@@ -30,8 +45,8 @@ struct Leaf {
 // Makes each requested leaf that the table knows and hands it over; a leaf that cannot be made ends the
 // walk with its status, and its name in *failed.
 template <class Answer, std::size_t N>
-Status returnLeaves(GetBlock *get2cb, const char *module, const Answer &answer, const Leaf<Answer> (&leaves)[N],
-                    const char **failed = nullptr)
+Status returnLeaves(GetBlock *get2cb, const char *module, const Answer &answer,
+                    const Leaf<Answer> (&leaves)[N], const char **failed = nullptr)
 {
     const Object *parent = getcb_get_obj(get2cb);
     for (Object *child = getcb_first_requested_child(get2cb, parent); child;

@@ -29,7 +29,8 @@ void PrintTo(const Step &step, std::ostream *out)
 Step merged(std::string name, std::optional<std::string> before, std::optional<std::string> after, Deed deed,
             std::optional<switchsim::Fault> fault)
 {
-    return {std::move(name), apply, merge, std::move(before), std::move(after), std::move(deed), std::move(fault)};
+    return {std::move(name),  apply,           merge,           std::move(before),
+            std::move(after), std::move(deed), std::move(fault)};
 }
 
 Deed failure(Status status, std::vector<std::string> sent, std::string errors)

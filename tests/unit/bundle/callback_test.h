@@ -46,8 +46,8 @@ struct Step {
 void PrintTo(const Step &step, std::ostream *out);
 
 // The commonest step: a merge in apply.
-Step merged(std::string name, std::optional<std::string> before, std::optional<std::string> after, Deed deed = {},
-            std::optional<switchsim::Fault> fault = {});
+Step merged(std::string name, std::optional<std::string> before, std::optional<std::string> after,
+            Deed deed = {}, std::optional<switchsim::Fault> fault = {});
 
 switchsim::Fault noAnswer(const std::string &call, unsigned after = 0);
 switchsim::Fault refusal(const std::string &call, std::optional<std::string> text, std::int32_t uiErr = 1,

@@ -454,8 +454,9 @@ TEST(FailureOptions, SwappedInRollbackTellsTheEditTheOtherWayRound)
     ToyBench bench(doc(R"({"plain":"a"})"), {{"/t:top", swappedInRollback}});
     bench.failAt("apply", "/toy:late", 4);
     bench.patch("", both);
-    EXPECT_THAT(bench.told("rollback"),
-                ElementsAre("merge /toy:top/config limit:create=1", "merge /toy:top plain:merge=a number:delete"));
+    EXPECT_THAT(
+        bench.told("rollback"),
+        ElementsAre("merge /toy:top/config limit:create=1", "merge /toy:top plain:merge=a number:delete"));
 }
 
 TEST(Records, TheCallbacksOwnTextReachesTheClientAlone)

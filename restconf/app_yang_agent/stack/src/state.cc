@@ -76,7 +76,8 @@ constexpr Leaf<Entry> kUnitState[] = {
      [](LeafMaker &leaf, const Entry &unit) {
          return leaf.number(static_cast<std::uint32_t>(unit.stack_id));
      }},
-    {"dynamic-static", [](LeafMaker &leaf, const Entry &unit) { return textLeaf(leaf, unit.dynamic_static); }},
+    {"dynamic-static",
+     [](LeafMaker &leaf, const Entry &unit) { return textLeaf(leaf, unit.dynamic_static); }},
     {"unit-type", [](LeafMaker &leaf, const Entry &unit) { return textLeaf(leaf, unit.unit_type); }},
     {"role", [](LeafMaker &leaf, const Entry &unit) { return textLeaf(leaf, unit.role); }},
     {"mac-address", [](LeafMaker &leaf, const Entry &unit) { return textLeaf(leaf, unit.mac_address); }},
