@@ -451,3 +451,21 @@ class TestSlowSwitch:
             assert statuses.count(204) == 64 and statuses.count(409) == 36
             session.edit_config(target="running", config=jumbo(True))
         assert agent.get(CONFIG).json() == body(True)
+
+
+# Orders hidden in a body
+
+
+@pytest.mark.parametrize("content", [
+    '{"@enabled":{"ietf-netconf:operation":"delete"}}',
+    '{"lyn-openconfig-jumbo:config":{"@enabled":{"ietf-netconf:operation":"delete"}}}',
+    '{"lyn-openconfig-jumbo:config":{"@enabled":{"ietf-netconf:operation":"delete"},"enabled":[7]}}',
+    '{"lyn-openconfig-jumbo:config":{"enabled":true,"@enabled":{"ietf-netconf:operation":"delete"}}}',
+    '{"@plain":{"ietf-netconf:operation":"delete"};{"x":{"plain":"l"}}',
+])
+def test_metadata_in_a_body_is_refused(make_agent, content):
+    agent = make_agent()
+    for method in ("PUT", "PATCH", "POST"):
+        for path in (CONFIG, JUMBO, DATA):
+            assert 400 <= agent.ask(method, path, content).status_code < 500, (method, path)
+    assert "enabled" not in agent.get(CONFIG).text

@@ -2,6 +2,7 @@
 
 #include "errors.h"
 
+#include <nlohmann/json.hpp>
 #include <pugixml.hpp>
 
 #include <cstring>
@@ -124,6 +125,8 @@ void checkCases(const lyd_node *node, const lyd_node *firstSibling)
 void checkShape(const lyd_node *firstSibling)
 {
     for (const lyd_node *node = firstSibling; node; node = node->next) {
+        if (!node->schema)
+            throw malformed("The body holds something that is no data.");
         lyd_node *first = nullptr;
         const bool many = node->schema->nodetype & (LYS_LIST | LYS_LEAFLIST);
         if (many && !(node->schema->flags & LYS_KEYLESS))
@@ -137,9 +140,54 @@ void checkShape(const lyd_node *firstSibling)
     }
 }
 
+// Finds what must not reach libyang's parser: it makes nodes without a schema of metadata that belong to
+// nothing, and does not survive a mistake behind them.
+class JsonScan : public nlohmann::json_sax<nlohmann::json> {
+public:
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(number_integer_t) override { return true; }
+    bool number_unsigned(number_unsigned_t) override { return true; }
+    bool number_float(number_float_t, const string_t &) override { return true; }
+    bool string(string_t &) override { return true; }
+    bool binary(binary_t &) override { return true; }
+    bool start_object(std::size_t) override { return true; }
+    bool key(string_t &name) override
+    {
+        if (!name.empty() && name.front() == '@')
+            attribute = name;
+        return attribute.empty();
+    }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t) override { return true; }
+    bool end_array() override { return true; }
+    bool parse_error(std::size_t, const std::string &, const nlohmann::detail::exception &) override
+    {
+        return false;
+    }
+
+    std::string attribute; // the first metadata member
+};
+
+} // namespace
+
+void scanJson(const std::string &text)
+{
+    JsonScan scan;
+    if (nlohmann::json::sax_parse(text, &scan))
+        return;
+    if (scan.attribute.empty())
+        throw malformed("The body is not well-formed JSON.");
+    throw unknownAttribute("", scan.attribute.substr(1), scan.attribute);
+}
+
+namespace {
+
 void parse(const ly_ctx *context, const std::string &text, Encoding encoding, std::uint32_t options,
            lyd_node *parent, Tree &tree)
 {
+    if (encoding == Encoding::json)
+        scanJson(text);
     ly_in *in = nullptr;
     if (ly_in_new_memory(text.c_str(), &in))
         throw malformed("The body cannot be read.");

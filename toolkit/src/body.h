@@ -9,6 +9,9 @@ namespace tk {
 // {"x:name": <this>} or <name><this></name>. Throws Failure.
 std::string unwrap(const std::string &body, Encoding encoding, const std::string &name);
 
+// Throws Failure for what is no JSON, and for metadata in it ("@name"): nobody takes orders by it.
+void scanJson(const std::string &text);
+
 // Parses configuration below `parent` (null: at the top, into `tree`). Strict, without checks beyond types.
 void parseConfig(const ly_ctx *context, const std::string &text, Encoding encoding, lyd_node *parent,
                  Tree &tree);
