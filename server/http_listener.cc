@@ -1,10 +1,5 @@
 #include "server/http_listener.h"
 
-#include "toolkit/log.h"
-
-#include <algorithm>
-#include <boost/asio/post.hpp>
-#include <boost/asio/strand.hpp>
 #include <charconv>
 #include <stdexcept>
 #include <utility>
@@ -14,8 +9,6 @@ namespace {
 
 namespace net = boost::asio;
 using tcp = net::ip::tcp;
-
-constexpr std::chrono::milliseconds kAcceptPause{100};
 
 tcp::endpoint resolved(net::io_context &io, const Endpoint &endpoint)
 {
@@ -71,100 +64,19 @@ std::string boundAddress(const tcp::acceptor &acceptor)
 }
 
 HttpListener::HttpListener(net::io_context &io, tcp::acceptor acceptor, HttpEnvironment &environment)
-    : io_(io)
-    , acceptor_(std::move(acceptor))
+    : Listener(io, std::move(acceptor), "RESTCONF")
     , environment_(environment)
-    , pause_(acceptor_.get_executor())
 {
 }
 
-void HttpListener::start()
+bool HttpListener::isFull() const
 {
-    net::post(acceptor_.get_executor(), [this] { accept(); });
+    return connections() >= environment_.limits.connections;
 }
 
-void HttpListener::stop()
+std::shared_ptr<HttpSession> HttpListener::connect(Socket socket, OnGone onGone)
 {
-    net::post(acceptor_.get_executor(), [this] {
-        boost::system::error_code ignored;
-        acceptor_.close(ignored);
-        pause_.cancel();
-    });
-    for (const auto &session : liveSessions())
-        session->stop();
-}
-
-// Handed out as owners and used without the lock: the last owner of a session takes that lock.
-std::vector<std::shared_ptr<HttpSession>> HttpListener::liveSessions() const
-{
-    std::vector<std::shared_ptr<HttpSession>> sessions;
-    const std::lock_guard lock(register_->mutex);
-    sessions.reserve(register_->sessions.size());
-    for (const auto &[number, weak] : register_->sessions) {
-        if (auto session = weak.lock())
-            sessions.push_back(std::move(session));
-    }
-    return sessions;
-}
-
-std::size_t HttpListener::connections() const
-{
-    const std::lock_guard lock(register_->mutex);
-    return register_->sessions.size();
-}
-
-// The one that has had the longest time to log in, and did not, ends.
-bool HttpListener::makeRoom() const
-{
-    const auto sessions = liveSessions();
-    return std::any_of(sessions.begin(), sessions.end(),
-                       [](const auto &session) { return session->giveWay(); });
-}
-
-void HttpListener::accept()
-{
-    if (!acceptor_.is_open())
-        return;
-    acceptor_.async_accept(net::make_strand(io_),
-                           [this](boost::system::error_code error, tcp::socket socket) {
-                               onAccepted(error, std::move(socket));
-                           });
-}
-
-void HttpListener::onAccepted(boost::system::error_code error, tcp::socket socket)
-{
-    if (!acceptor_.is_open())
-        return;
-    if (!error) {
-        admit(std::move(socket));
-        return accept();
-    }
-    // Out of descriptors, most likely: asking again at once would only burn the processor.
-    log_error("agentd: cannot accept a connection: %s\n", error.message().c_str());
-    pause_.expires_after(kAcceptPause);
-    pause_.async_wait([this](boost::system::error_code) { accept(); });
-}
-
-void HttpListener::admit(tcp::socket socket)
-{
-    const bool isFull = connections() >= environment_.limits.connections;
-    if (isFull && !std::exchange(wasFull_, true))
-        log_error("agentd: %zu connections are open: those that are not logged in give way\n",
-                  environment_.limits.connections);
-    if (isFull && !makeRoom())
-        return; // the socket closes
-    wasFull_ = isFull;
-    std::shared_ptr<HttpSession> session;
-    {
-        const std::lock_guard lock(register_->mutex);
-        const auto number = ++register_->last;
-        session = std::make_shared<HttpSession>(std::move(socket), environment_, [all = register_, number] {
-            const std::lock_guard inner(all->mutex);
-            all->sessions.erase(number);
-        });
-        register_->sessions.emplace(number, session);
-    }
-    session->start();
+    return std::make_shared<HttpSession>(std::move(socket), environment_, std::move(onGone));
 }
 
 } // namespace agentd

@@ -1,16 +1,10 @@
-// Accepts connections and keeps count of them.
+// Where HTTPS listens.
 #pragma once
 
 #include "server/http_session.h"
+#include "server/listener.h"
 
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
-#include <map>
-#include <memory>
-#include <mutex>
 #include <string>
-#include <vector>
 
 namespace agentd {
 
@@ -28,35 +22,16 @@ boost::asio::ip::tcp::acceptor listenAt(boost::asio::io_context &io, const Endpo
 // HOST:PORT of what the acceptor is bound to.
 std::string boundAddress(const boost::asio::ip::tcp::acceptor &acceptor);
 
-class HttpListener {
+class HttpListener : public Listener<HttpSession> {
 public:
     HttpListener(boost::asio::io_context &io, boost::asio::ip::tcp::acceptor acceptor,
                  HttpEnvironment &environment);
 
-    void start();
-    // From any thread: accepts no more and asks every session to end.
-    void stop();
-    std::size_t connections() const;
-
 private:
-    // Outlives the listener while sessions do, each of which takes itself off.
-    struct Register {
-        mutable std::mutex mutex;
-        std::uint64_t last = 0;
-        std::map<std::uint64_t, std::weak_ptr<HttpSession>> sessions;
-    };
-    std::vector<std::shared_ptr<HttpSession>> liveSessions() const;
-    bool makeRoom() const;
-    void accept();
-    void onAccepted(boost::system::error_code error, boost::asio::ip::tcp::socket socket);
-    void admit(boost::asio::ip::tcp::socket socket);
+    bool isFull() const override;
+    std::shared_ptr<HttpSession> connect(Socket socket, OnGone onGone) override;
 
-    boost::asio::io_context &io_;
-    boost::asio::ip::tcp::acceptor acceptor_;
     HttpEnvironment &environment_;
-    boost::asio::steady_timer pause_;
-    std::shared_ptr<Register> register_ = std::make_shared<Register>();
-    bool wasFull_ = false;
 };
 
 } // namespace agentd
