@@ -382,6 +382,7 @@ class TestRestart:
         data[-20] ^= 1
         (tmp_path / name).write_bytes(data)
         with Agent(state=tmp_path) as agent:
+            agent.logged(f"agentd: {word}")
             assert agent.log.startswith(f"agentd: {word}")
             assert agent.get(CONFIG).json() == ({"lyn-openconfig-jumbo:config": {}} if value is None else body(value))
 
