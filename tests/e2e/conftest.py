@@ -5,6 +5,7 @@ import pytest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 
+pytest.register_assert_rewrite("harness")
 from harness import Agent  # noqa: E402
 
 

@@ -8,6 +8,7 @@ The programs are those of the folder in the environment variable BUILD, build/ o
 """
 
 import contextlib
+import functools
 import json
 import os
 import pathlib
@@ -45,7 +46,8 @@ class StartFailed(Exception):
 
 
 class Agent:
-    """One agentd. Options are given as keywords: log=3, device_timeout=500, platform=4."""
+    """One agentd. Options are given as keywords: log=3, device_timeout=500, platform=4. Its switch is the one inside,
+    or the one at the socket that the option device names."""
 
     def __init__(self, state=None, args=(), **options):
         self._own = None if state else tempfile.mkdtemp(prefix="agentd-e2e-")
@@ -54,6 +56,8 @@ class Agent:
         self.command = [str(AGENTD), "--state", str(self.state), *args]
         for name, value in options.items():
             self.command += ["--" + name.replace("_", "-"), str(value)]
+        device = str(options.get("device", ""))
+        self.switch_at = ("--socket", device[5:]) if device.startswith("unix:") else ("--state", self.state)
         self.process = None
         self.ready = None
         self.log = ""
@@ -158,23 +162,11 @@ class Agent:
             del request.headers["Content-Type"]
         return self.session().send(request, timeout=30)
 
-    def get(self, path, **headers):
-        return self.ask("GET", path, **headers)
-
-    def head(self, path, **headers):
-        return self.ask("HEAD", path, **headers)
-
-    def put(self, path, body, **headers):
-        return self.ask("PUT", path, body, **headers)
-
-    def post(self, path, body=None, **headers):
-        return self.ask("POST", path, body, **headers)
-
-    def patch(self, path, body, **headers):
-        return self.ask("PATCH", path, body, **headers)
-
-    def delete(self, path, **headers):
-        return self.ask("DELETE", path, **headers)
+    get = functools.partialmethod(ask, "GET")
+    put = functools.partialmethod(ask, "PUT")
+    post = functools.partialmethod(ask, "POST")
+    patch = functools.partialmethod(ask, "PATCH")
+    delete = functools.partialmethod(ask, "DELETE")
 
     def raw(self):
         """A TLS connection for bytes of one's own."""
@@ -186,13 +178,23 @@ class Agent:
     # The switch
 
     def switch(self, *words):
-        """Runs switchctl on the switch in this agentd. Returns what it prints."""
-        return switchctl("--state", self.state, *words)
+        """Runs switchctl on this agentd's switch. Returns what it prints."""
+        return switchctl(*self.switch_at, *words)
+
+    def show(self, word):
+        return json.loads(self.switch("show", word))
 
     def journal(self, since=0):
         """The journal's entries behind the given number."""
         text = self.switch("journal", "--json", "--since", since)
         return [json.loads(line) for line in text.splitlines()]
+
+    @contextlib.contextmanager
+    def sending(self, *expected):
+        """What is done inside sends exactly these requests, each a call with its fields."""
+        since = self.last_seq()
+        yield
+        assert [(entry["call"], entry["request"]) for entry in self.journal(since)] == list(expected)
 
     def last_seq(self):
         return max((entry["seq"] for entry in self.journal()), default=0)
@@ -239,6 +241,20 @@ def running_switch(path):
         process.stdout.close()
 
 
+@contextlib.contextmanager
+def beside_a_switch(**options):
+    """An agent with a switchsim of its own beside it; agent.switchsim is its process."""
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="sw-"))  # a socket's path is short; the folders of pytest are not
+    try:
+        with running_switch(folder / "s") as process:
+            switchctl("--socket", folder / "s", "set", "platform-type", options.pop("platform", 1))
+            with Agent(device=f"unix:{folder}/s", **options) as agent:
+                agent.switchsim = process
+                yield agent
+    finally:
+        shutil.rmtree(folder, ignore_errors=True)
+
+
 def run_agentd(*args, stdin=""):
     """agentd as a command that ends by itself: status, standard output, standard error."""
     result = subprocess.run([str(AGENTD), *map(str, args)], input=stdin, capture_output=True, text=True, timeout=30)
@@ -255,6 +271,14 @@ def errors_of(response):
         assert {"error-type", "error-tag"} <= set(entry) <= {
             "error-type", "error-tag", "error-app-tag", "error-path", "error-message"}
     return entries
+
+
+def refused(answer, status, app_tag, message=None):
+    """Checks the one error of a refusal."""
+    assert answer.status_code == status, answer.text
+    (error,) = errors_of(answer)
+    assert error.get("error-app-tag") == str(app_tag)
+    assert message in (None, error["error-message"])
 
 
 def wait_until(condition, limit=10.0):

@@ -8,7 +8,6 @@
         wire.send(chunked(rpc("<get/>")))
 """
 
-import re
 import socket
 import time
 import xml.etree.ElementTree as ET
@@ -22,11 +21,16 @@ JUMBO = "urn:lyn:yang:lyn-openconfig-jumbo"
 END = b"]]>]]>"
 
 
-def connect(agent, user="admin", password=None, timeout=30, **options):
+def address(agent):
     host, port = agent.netconf.rsplit(":", 1)
+    return host, int(port)
+
+
+def connect(agent, user="admin", password=None, timeout=30, **options):
+    host, port = address(agent)
     if "key_filename" not in options:
         options["password"] = password or agent.password
-    return manager.connect(host=host, port=int(port), username=user, hostkey_verify=False, allow_agent=False,
+    return manager.connect(host=host, port=port, username=user, hostkey_verify=False, allow_agent=False,
                            look_for_keys=False, timeout=timeout, **options)
 
 
@@ -67,8 +71,7 @@ class Wire:
     """An SSH channel with the subsystem netconf, for bytes of one's own."""
 
     def __init__(self, agent, user="admin", password=None):
-        host, port = agent.netconf.rsplit(":", 1)
-        self.transport = paramiko.Transport(socket.create_connection((host, int(port)), timeout=30))
+        self.transport = paramiko.Transport(socket.create_connection(address(agent), timeout=30))
         self.transport.start_client(timeout=30)
         self.transport.auth_password(user, password or agent.password)
         self.channel = self.transport.open_session(timeout=30)
@@ -120,7 +123,3 @@ class Wire:
                 if not self.transport.is_active():
                     return True
         return False
-
-
-def session_id(wire):
-    return int(re.search(rb"<session-id>(\d+)</session-id>", wire.greeting).group(1))

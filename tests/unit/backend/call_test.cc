@@ -2,7 +2,6 @@
 
 #include "backend/forwarding_profile.h"
 #include "backend/plugin.h"
-#include "backend/poe.h"
 #include "backend/protected_port.h"
 #include "backend/qos.h"
 #include "backend/security.h"
@@ -105,25 +104,6 @@ TEST_F(CallTest, TheTimeoutIsTheTransportsDeadline)
     setTimeout(std::chrono::milliseconds(-5));
     ui_fe_qos_jumbo(10, 0);
     EXPECT_LE(transport->patience, std::chrono::milliseconds(1));
-}
-
-TEST_F(CallTest, APoeRecordSendsOnlyWhatWasSet)
-{
-    PoeConfig record;
-    PoeOper oper;
-    PoeIlpConfig ilp;
-    PoePortConfig port;
-    PoeSelection selection;
-    CommonResp response;
-    ui_poe_config_init(&record, &oper, &ilp, &port, &selection, &response);
-    ui_fe_poe_config_set_port_config_type(&record, 0, 0, 0);
-    ui_fe_poe_config_cmd_send(&record, 2);
-    ASSERT_EQ(transport->requests.size(), 1U);
-    const auto request = readRequest(transport->requests[0]);
-    EXPECT_EQ(request->head.argument, 2);
-    EXPECT_EQ(Bytes(request->message.begin(), request->message.end()), Bytes({0x22, 2, 0x18, 0}))
-        << "the port's state alone, its zero included";
-    EXPECT_NE(record.ilp_config, nullptr) << "the record can be used again";
 }
 
 TEST_F(CallTest, APluginRequestLeavesOutEmptySubEntries)

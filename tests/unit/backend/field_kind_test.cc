@@ -7,43 +7,33 @@
 namespace backend {
 namespace {
 
-struct KindCase {
-    const char *name;
-    ProtobufCType type;
-    FieldKind kind;
-};
-class Kinds : public ::testing::TestWithParam<KindCase> { };
-
-TEST_P(Kinds, FollowTypeAndName)
+TEST(Kinds, FollowTypeAndName)
 {
-    ProtobufCFieldDescriptor field{};
-    field.name = GetParam().name;
-    field.type = GetParam().type;
-    EXPECT_EQ(kindOf(field), GetParam().kind);
-}
-
-constexpr auto kText = PROTOBUF_C_TYPE_STRING;
-constexpr auto kBytes = PROTOBUF_C_TYPE_BYTES;
-constexpr auto kNumber = PROTOBUF_C_TYPE_INT32;
-INSTANTIATE_TEST_SUITE_P(Table, Kinds,
-                         ::testing::Values(KindCase{"secret_key", kText, FieldKind::secret},
-                                           KindCase{"password", kText, FieldKind::secret},
-                                           KindCase{"sha256authpass", kText, FieldKind::secret},
-                                           KindCase{"aesprivpass", kBytes, FieldKind::secret},
-                                           KindCase{"community", kText, FieldKind::secret},
-                                           KindCase{"password_op", kNumber, FieldKind::plain},
-                                           KindCase{"password_label", kText, FieldKind::plain},
-                                           KindCase{"description", kText, FieldKind::plain},
-                                           KindCase{"name", kBytes, FieldKind::plain},
-                                           KindCase{"zip_name", kBytes, FieldKind::plain},
-                                           KindCase{"mac_address", kBytes, FieldKind::mac},
-                                           KindCase{"mvlan_mask", kBytes, FieldKind::vlanMask},
-                                           KindCase{"dest_ipv6", kBytes, FieldKind::ipv6},
-                                           KindCase{"destination", PROTOBUF_C_TYPE_FIXED32, FieldKind::ipv4},
-                                           KindCase{"record", kBytes, FieldKind::plain}));
-
-TEST(SecretKeys, OfPluginEntries)
-{
+    constexpr auto text = PROTOBUF_C_TYPE_STRING, bytes = PROTOBUF_C_TYPE_BYTES;
+    const struct {
+        const char *name;
+        ProtobufCType type;
+        FieldKind kind;
+    } cases[] = {
+        {"secret_key", text, FieldKind::secret},
+        {"sha256authpass", text, FieldKind::secret},
+        {"aesprivpass", bytes, FieldKind::secret},
+        {"community", text, FieldKind::secret},
+        {"password_op", PROTOBUF_C_TYPE_INT32, FieldKind::plain},
+        {"password_label", text, FieldKind::plain},
+        {"zip_name", bytes, FieldKind::plain},
+        {"mac_address", bytes, FieldKind::mac},
+        {"mvlan_mask", bytes, FieldKind::vlanMask},
+        {"dest_ipv6", bytes, FieldKind::ipv6},
+        {"destination", PROTOBUF_C_TYPE_FIXED32, FieldKind::ipv4},
+        {"record", bytes, FieldKind::plain},
+    };
+    for (const auto &c : cases) {
+        ProtobufCFieldDescriptor field{};
+        field.name = c.name;
+        field.type = c.type;
+        EXPECT_EQ(kindOf(field), c.kind) << c.name;
+    }
     for (const char *key : {"password", "1", "key"})
         EXPECT_TRUE(isSecretKey(key)) << key;
     for (const char *key : {"privilege", "auth-port", "GroupName", ""})

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "backend/envelope.h"
+#include "backend/frame.h"
 #include "backend/transport.h"
 
 #include <protobuf-c/protobuf-c.h>
@@ -26,6 +27,19 @@ public:
     std::vector<Bytes> requests;
     Deadline::duration patience{};
 };
+
+inline Bytes operator+(Bytes left, const Bytes &right)
+{
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+inline Bytes framed(std::uint32_t id, const Bytes &content)
+{
+    Bytes frame(kFrameHead);
+    writeFrameHead(id, content.size(), frame.data());
+    return frame + content;
+}
 
 // An answer that carries these bytes as its message.
 inline Bytes envelopeAround(const Bytes &message)

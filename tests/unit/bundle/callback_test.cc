@@ -1,41 +1,27 @@
 #include "tests/unit/bundle/callback_test.h"
 
-#include "tests/unit/bundle/log_capture.h"
-#include "toolkit/toolkit.h"
+#include "toolkit/src/retrieval.h"
 
 #include <algorithm>
 
 namespace test {
 
-using namespace tk;
-
-std::unique_ptr<SwitchBench> CallbackTest::bench_;
-
-std::ostream &operator<<(std::ostream &out, const Deed &deed)
+Cell in(EditPhase phase, Cell cell)
 {
-    for (const std::string &request : deed.sent)
-        out << "\n    sent " << request;
-    out << "\n    status " << deed.status;
-    for (const std::string &record : deed.records)
-        out << "\n    recorded " << testing::PrintToString(record);
-    return out << "\n    logged " << testing::PrintToString(deed.errors);
+    cell.phase = phase;
+    return cell;
 }
 
-void PrintTo(const Step &step, std::ostream *out)
+Cell under(switchsim::Fault fault, Cell cell)
 {
-    *out << step.name;
+    cell.fault = std::move(fault);
+    return cell;
 }
 
-Step merged(std::string name, std::optional<std::string> before, std::optional<std::string> after, Deed deed,
-            std::optional<switchsim::Fault> fault)
+Cell loud(Cell cell)
 {
-    return {std::move(name),  apply,           merge,           std::move(before),
-            std::move(after), std::move(deed), std::move(fault)};
-}
-
-Deed failure(Status status, std::vector<std::string> sent, std::string errors)
-{
-    return {std::move(sent), status, {std::to_string(status) + " "}, std::move(errors)};
+    cell.log.reset();
+    return cell;
 }
 
 std::string internalError(const std::string &file, Status status)
@@ -47,82 +33,123 @@ switchsim::Fault noAnswer(const std::string &call, unsigned after)
 {
     switchsim::Fault fault;
     fault.call = call;
-    fault.kind = switchsim::FaultKind::null;
     fault.after = after;
     return fault;
 }
 
-switchsim::Fault refusal(const std::string &call, std::optional<std::string> text, std::int32_t uiErr,
-                         std::int32_t appErr)
+switchsim::Fault refusal(const std::string &call, MaybeText text, std::int32_t uiErr, std::int32_t appErr)
 {
-    switchsim::Fault fault;
-    fault.call = call;
-    fault.kind = switchsim::FaultKind::refuse;
-    fault.text = std::move(text);
-    fault.uiErr = uiErr;
-    fault.appErr = appErr;
-    return fault;
+    return {call, switchsim::FaultKind::refuse, "", uiErr, appErr, std::move(text), 0, 0, 0};
 }
 
-std::vector<Step> andNothingElse(std::vector<Step> steps, const std::string &before, const std::string &after)
+void strike(SwitchBench &bench, switchsim::Fault fault)
 {
-    const auto isThere = [&](EditPhase phase, EditOp op) {
-        return std::any_of(steps.begin(), steps.end(),
-                           [=](const Step &step) { return step.phase == phase && step.op == op; });
-    };
+    bench.device().clearFaults();
+    bench.device().addFault(fault);
+}
+
+namespace {
+
+void addQuiet(std::vector<Cell> &cells, const Quiet &quiet)
+{
+    const std::vector<Cell> given = cells;
     for (const EditPhase phase : {validate, apply, commit, rollback})
-        for (const EditOp op : {merge, replace, create, del, load}) {
-            if (isThere(phase, op))
-                continue;
-            Step quiet{std::string("nothing_in_") + agt_cbtype_name(phase) + "_of_" + op_editop_name(op),
-                       phase,
-                       op,
-                       before,
-                       after,
-                       {}};
-            if (op == create || op == load)
-                quiet.before.reset();
-            if (op == del)
-                quiet.after.reset();
-            steps.push_back(std::move(quiet));
-        }
-    return steps;
+        for (const Cell &cell :
+             {merged("quiet", quiet.before, quiet.after), replaced("quiet", quiet.before, quiet.after),
+              created("quiet", quiet.after), loaded("quiet", quiet.after), deleted("quiet", quiet.before)})
+            if (std::none_of(given.begin(), given.end(),
+                             [&](const Cell &has) { return has.phase == phase && has.op == cell.op; }))
+                cells.push_back(in(phase, cell));
 }
 
-Deed CallbackTest::perform(const std::string &path, const Step &step)
+} // namespace
+
+void check(SwitchBench &bench, const std::string &path, std::vector<Cell> cells,
+           const std::optional<Quiet> &elsewhere, const std::function<void()> &prepare)
 {
-    bench_->device().clearFaults();
-    if (step.fault)
-        bench_->device().addFault(*step.fault);
-    bench_->sent();
-    const LogCapture log;
-    const Callback done = bench_->call(step.phase, step.op, path, step.before, step.after);
-    Deed deed{bench_->sent(), done.status, {}, log.errors()};
-    for (const ErrorRecord &record : done.records)
-        deed.records.push_back(std::to_string(record.status) + " " + record.text);
-    return deed;
+    if (elsewhere)
+        addQuiet(cells, *elsewhere);
+    for (const Cell &c : cells) {
+        SCOPED_TRACE(c.name + ": " + agt_cbtype_name(c.phase) + " of " + op_editop_name(c.op));
+        bench.device().clearFaults();
+        if (prepare)
+            prepare();
+        if (c.fault)
+            bench.device().addFault(*c.fault);
+        bench.sent();
+        const LogCapture log;
+        const Callback done = bench.call(c.phase, c.op, path, c.before, c.after);
+        EXPECT_EQ(bench.sent(), c.requests);
+        EXPECT_EQ(ended(done), Ended(c.status, c.status ? Texts{c.text} : Texts{}));
+        for (const ErrorRecord &record : done.records)
+            EXPECT_EQ(record.status, c.status);
+        if (c.log && (!c.status || !c.log->empty())) {
+            EXPECT_EQ(log.errors(), c.log);
+        }
+    }
+    bench.device().clearFaults();
 }
 
-Status getNextInstance(SwitchBench &bench, const std::string &registeredPath, const std::string &path,
-                       const std::string &key)
+void check(const std::string &path, const std::vector<Cell> &cells, const std::optional<Quiet> &elsewhere)
+{
+    SwitchBench bench;
+    check(bench, path, cells, elsewhere);
+}
+
+Ended ended(const Callback &done)
+{
+    Ended end{done.status, {}};
+    for (const ErrorRecord &record : done.records)
+        end.second.push_back(record.text);
+    return end;
+}
+
+void PrintTo(const Got &got, std::ostream *out)
+{
+    *out << got.status << " " << testing::PrintToString(got.keys) << (got.more ? " and more" : "");
+}
+
+Got getByHand(SwitchBench &bench, const std::string &registeredPath, const std::string &path, GetMode mode)
 {
     const Registration *registration = bench.host().impl().registry.find(registeredPath);
+    if (!registration || !registration->get)
+        throw std::logic_error("nobody serves " + registeredPath);
     const Target target = bench.target(path);
+    const Selection everything;
     GetBlock block;
     block.node = target.node().schema();
-    block.mode = getNext;
-    Status status = kOk;
-    const lysc_node *list = target.node().steps.at(1).schema;
-    const Object *keyLeaf = obj_find_child(bench.host().impl().context.objectOf(list), nullptr, "name");
-    block.keys.push_back(
-        {std::unique_ptr<Value>(val_make_simval_obj(keyLeaf, key.c_str(), &status)), 1, true});
-    return registration->get(nullptr, nullptr, &block);
+    block.selection = &everything;
+    block.mode = mode;
+    unsigned level = 0;
+    for (const auto &step : target.node().steps) {
+        if (step.schema->nodetype != LYS_LIST)
+            continue;
+        ++level;
+        const lysc_node *key = lysc_node_child(step.schema);
+        for (const std::string &text : step.keys) {
+            Status status = kOk;
+            const Object *leaf = bench.host().impl().context.objectOf(key);
+            block.keys.push_back(
+                {std::unique_ptr<Value>(val_make_simval_obj(leaf, text.c_str(), &status)), level, true});
+            key = key->next;
+        }
+    }
+    Got got;
+    got.status = registration->get(nullptr, nullptr, &block);
+    for (const auto &key : block.current.keys)
+        got.keys.push_back(key->text);
+    got.more = block.more;
+    return got;
 }
 
-std::string portsWith(const std::string &more)
+Status readFailure(SwitchBench &bench, const std::string &path)
 {
-    return R"({"openconfig-interfaces:interfaces":{"interface":[{"name":"ethernet 1/1/1")" + more +
-        R"(},{"name":"ethernet 1/1/2"}]}})";
+    try {
+        bench.read(path, Content::all);
+    } catch (const Failure &failure) {
+        return failure.errors.at(0).status;
+    }
+    return kOk;
 }
 
 } // namespace test

@@ -1,55 +1,15 @@
-// Changes of plug-ins, and messages in the log.
+// Messages in the log.
+#include "backend/chassis.h"
+#include "backend/dhcp_server.h"
+#include "backend/plugin.h"
 #include "backend/proto/interface.pb-c.h"
+#include "backend/vlan.h"
 #include "backend/vlan_mask.h"
-#include "frame/plugin.h"
 #include "frame/print_message.h"
-#include "tests/unit/bundle/log_capture.h"
-#include "tests/unit/support/switch_bench.h"
-
-#include <gmock/gmock.h>
-
-#include <cstddef>
+#include "tests/unit/bundle/callback_test.h"
 
 namespace test {
 namespace {
-
-using namespace tk;
-using testing::ElementsAre;
-
-class PluginChanges : public testing::Test {
-protected:
-    SwitchBench bench_;
-    RequestFrame request_;
-    const frame::EditCall call_{&request_.session, &request_.request, rollback,     del,
-                                nullptr,           nullptr,           "u_some_edit"};
-};
-
-TEST_F(PluginChanges, AreOneRequestEach)
-{
-    EXPECT_EQ(frame::changePlugin(call_, "ZQ_SYSLOG", PLUGIN_OP_SET, "logging host", "10.0.0.1 udp-port 514"),
-              0);
-    EXPECT_EQ(frame::changePlugin(call_, "COLLECTD", PLUGIN_OP_DELETE, "Data", "a"), 0);
-    EXPECT_THAT(
-        bench_.sent(),
-        ElementsAre(
-            R"(ui_fe_plugin_config_send {"plugin":"ZQ_SYSLOG","entries":[{"op":"SET","key":"logging host","value":"10.0.0.1 udp-port 514"}]})",
-            R"(ui_fe_plugin_config_send {"plugin":"COLLECTD","entries":[{"op":"DELETE","key":"Data","value":"a"}]})"));
-}
-
-TEST_F(PluginChanges, AreDoneWhateverTheAnswerAndFailWithoutOne)
-{
-    switchsim::Fault fault;
-    fault.call = "ui_fe_plugin_config_send";
-    fault.kind = switchsim::FaultKind::refuse;
-    bench_.device().addFault(fault);
-    const LogCapture log;
-    EXPECT_EQ(frame::changePlugin(call_, "ZQ_SYSLOG", PLUGIN_OP_SET, "k", "v"), 0);
-    EXPECT_EQ(log.errors(), "");
-    bench_.unplug();
-    EXPECT_EQ(frame::changePlugin(call_, "ZQ_SYSLOG", PLUGIN_OP_SET, "k", "v"), 4);
-    EXPECT_EQ(log.errors(), "[u_some_edit] [n] cbtype [rollback] editop [delete]");
-    EXPECT_TRUE(request_.header.records.empty());
-}
 
 std::string printed(const ProtobufCMessage &message)
 {
@@ -94,62 +54,24 @@ TEST(PrintedMessage, HidesSecrets)
               " Attr#1 key::1\n Attr#2 value::*****\n");
 }
 
-// A record with the kinds of fields that the messages so far do not have.
-struct Odd {
-    ProtobufCMessage base;
-    protobuf_c_boolean on, off;
-    std::uint64_t wide;
-    char *password;
-    ProtobufCBinaryData vlan_mask, raw;
-    std::size_t n_numbers;
-    std::int32_t *numbers;
-};
-
-ProtobufCFieldDescriptor field(const char *name, std::uint32_t id, ProtobufCType type, std::size_t offset,
-                               ProtobufCLabel label = PROTOBUF_C_LABEL_REQUIRED, std::size_t quantifier = 0)
+TEST(PrintedMessage, ShowsMasksAsRangesOtherBytesAsDigitsAndEveryValueOfAList)
 {
-    ProtobufCFieldDescriptor made{};
-    made.name = name;
-    made.id = id;
-    made.type = type;
-    made.label = label;
-    made.offset = static_cast<unsigned>(offset);
-    made.quantifier_offset = static_cast<unsigned>(quantifier);
-    return made;
-}
-
-TEST(PrintedMessage, KnowsEveryKindOfField)
-{
-    const ProtobufCFieldDescriptor fields[] = {
-        field("on", 1, PROTOBUF_C_TYPE_BOOL, offsetof(Odd, on)),
-        field("off", 2, PROTOBUF_C_TYPE_BOOL, offsetof(Odd, off)),
-        field("wide", 3, PROTOBUF_C_TYPE_UINT64, offsetof(Odd, wide)),
-        field("password", 4, PROTOBUF_C_TYPE_STRING, offsetof(Odd, password), PROTOBUF_C_LABEL_OPTIONAL),
-        field("vlan_mask", 5, PROTOBUF_C_TYPE_BYTES, offsetof(Odd, vlan_mask)),
-        field("raw", 6, PROTOBUF_C_TYPE_BYTES, offsetof(Odd, raw)),
-        field("numbers", 7, PROTOBUF_C_TYPE_INT32, offsetof(Odd, numbers), PROTOBUF_C_LABEL_REPEATED,
-              offsetof(Odd, n_numbers)),
-    };
-    ProtobufCMessageDescriptor descriptor{};
-    descriptor.n_fields = std::size(fields);
-    descriptor.fields = fields;
-    std::uint32_t mask[VLAN_MASK_BYTES / sizeof(std::uint32_t)] = {};
-    mask[0] = 1u << 10 | 1u << 11 | 1u << 12;
-    std::uint8_t raw[] = {0x00, 0xff};
-    std::int32_t numbers[] = {-1, 2};
-    const Odd odd{{&descriptor, 0, nullptr},
-                  1,
-                  0,
-                  1ull << 40,
-                  const_cast<char *>("hush"),
-                  {sizeof mask, reinterpret_cast<std::uint8_t *>(mask)},
-                  {sizeof raw, raw},
-                  2,
-                  numbers};
-    EXPECT_EQ(printed(odd.base),
-              " Attr#1 on::TRUE\n Attr#2 off::FALSE\n Attr#3 wide::1099511627776\n"
-              " Attr#4 password::*****\n Attr#5 vlan_mask::10 to 12\n Attr#6 raw::00ff\n"
-              " Attr#7 numbers::-1\n Attr#7 numbers::2\n");
+    std::uint32_t mask[VLAN_MASK_BYTES / sizeof(std::uint32_t)] = {1u << 10 | 1u << 11 | 1u << 12};
+    MultiVlan vlans = MULTI_VLAN__INIT;
+    vlans.has_vlan_mask = 1;
+    vlans.vlan_mask = {sizeof mask, reinterpret_cast<std::uint8_t *>(mask)};
+    EXPECT_EQ(printed(vlans.base), " Attr#1 vlan_mask::10 to 12\n");
+    std::uint8_t mac[] = {0x00, 0xff};
+    DhcpsStaticLease lease = DHCPS_STATIC_LEASE__INIT;
+    lease.has_mac = 1;
+    lease.mac = {sizeof mac, mac};
+    EXPECT_EQ(printed(lease.base), " Attr#2 mac::00ff\n");
+    std::uint32_t units[] = {1, 2};
+    Chassis__RestconfChassisConfig chassis;
+    chassis__restconf_chassis_config__init(&chassis);
+    chassis.n_stack_id = 2;
+    chassis.stack_id = units;
+    EXPECT_THAT(printed(chassis.base), HasSubstr("stack_id::1\n Attr#4 stack_id::2\n"));
 }
 
 } // namespace

@@ -4,117 +4,54 @@
 namespace test {
 namespace {
 
-using namespace tk;
-using testing::ElementsAre;
-
-const std::string kTop = "lyn-openconfig-protectedport:protectedport", kList = kTop + "/interfaces";
-const std::string kEntry = kList + "/interface=ethernet%201%2F1%2F1", kConfig = kEntry + "/config";
-const std::string kCall = "protected_port_config_apply";
-const std::string kProtect = R"(protected_port_config_apply {"opcode":1,"port_name":"ethernet 1/1/1"})",
-                  kUnprotect = R"(protected_port_config_apply {"opcode":3,"port_name":"ethernet 1/1/1"})";
-const std::string kOn = R"({"protectedport":true})", kOff = R"({"protectedport":false})",
+const std::string kTop = "lyn-openconfig-protectedport:protectedport",
+                  kEntry = kTop + "/interfaces/interface=ethernet%201%2F1%2F1", kConfig = kEntry + "/config",
+                  kCall = "protected_port_config_apply",
+                  kProtect = kCall + R"( {"opcode":1,"port_name":"ethernet 1/1/1"})",
+                  kUnprotect = kCall + R"( {"opcode":3,"port_name":"ethernet 1/1/1"})",
+                  kOn = R"({"protectedport":true})", kOff = R"({"protectedport":false})",
                   kNameAlone = R"({"name":"ethernet 1/1/1"})";
-const std::optional<std::string> kAbsent;
 
 // The lines that tell where a refusal happened, with the values of the node.
-std::string place(const std::string &operation, const std::string &values)
-{
-    return "[u_lyn_oc_protectedport_config_edit] [n] cbtype [apply] editop [" + operation + "]" + values;
-}
+const Pattern place{"[u_lyn_oc_protectedport_config_edit] [n] cbtype [apply] editop [$]$"};
 
-class ProtectedPortConfig : public CallbackTest { };
-
-TEST_P(ProtectedPortConfig, DoesExactlyThis)
-{
-    EXPECT_EQ(perform(kConfig, GetParam()), GetParam().deed);
-}
-
-const Step kSteps[] = {
-    {"merge_of_true", apply, merge, kOff, kOn, {{kProtect}}},
-    {"merge_of_false", apply, merge, kOn, kOff, {{kUnprotect}}},
-    {"merge_without_the_leaf_is_quiet", apply, merge, kOn, kNameAlone},
-    {"create", apply, create, kAbsent, kOn, {{kProtect}}},
-    {"create_of_false", apply, create, kAbsent, kOff, {{kUnprotect}}},
-    {"create_without_the_leaf_is_quiet", apply, create, kAbsent, kNameAlone},
-    {"delete_unprotects", apply, del, kOn, kAbsent, {{kUnprotect}}},
-    {"delete_unprotects_whatever_was_set", apply, del, kNameAlone, kAbsent, {{kUnprotect}}},
-
-    {"a_dead_device", apply, merge, kOff, kOn, failure(4, {kProtect}), noAnswer(kCall)},
-    {"a_dead_device_at_a_delete", apply, del, kOn, kAbsent, failure(4, {kUnprotect}), noAnswer(kCall)},
-    {"a_refusal_in_the_devices_words",
-     apply,
-     merge,
-     kOff,
-     kOn,
-     {{kProtect},
-      1042,
-      {"1042 not this port"},
-      place("merge", "\nnew\nconfig\n  protectedport true\n\ncur\nconfig\n  protectedport false\n")},
-     refusal(kCall, "not this port")},
-    {"a_refusal_without_words",
-     apply,
-     create,
-     kAbsent,
-     kOn,
-     {{kProtect}, 1042, {"1042 "}, place("create", "\nnew\nconfig\n  protectedport true\n")},
-     refusal(kCall, std::nullopt)},
-    {"a_refused_delete",
-     apply,
-     del,
-     kOn,
-     kAbsent,
-     {{kUnprotect}, 1042, {"1042 no"}, place("delete", "\ncur\nconfig\n  protectedport true\n")},
-     refusal(kCall, "no")},
-    {"other_codes_do_not_count", apply, merge, kOff, kOn, {{kProtect}}, refusal(kCall, "odd", 2)},
-    {"what_the_daemon_itself_says_does_not_count",
-     apply,
-     merge,
-     kOff,
-     kOn,
-     {{kProtect}},
-     refusal(kCall, "odd", 0, 2)},
+const std::vector<Cell> kCells = {
+    merged("merge of true", kOff, kOn, {kProtect}),
+    merged("merge of false", kOn, kOff, {kUnprotect}),
+    merged("merge without the leaf", kOn, kNameAlone),
+    created("", kOn, {kProtect}),
+    created("create of false", kOff, {kUnprotect}),
+    deleted("delete unprotects whatever was set", kNameAlone, {kUnprotect}),
+    under(noAnswer(kCall), merged("a dead device", kOff, kOn, {kProtect}, 4)),
+    under(noAnswer(kCall), deleted("a dead device at a delete", kOn, {kUnprotect}, 4)),
+    under(refusal(kCall, "not this port"),
+          merged(
+              "a refusal", kOff, kOn, {kProtect}, 1042, "not this port",
+              place("merge", "\nnew\nconfig\n  protectedport true\n\ncur\nconfig\n  protectedport false\n"))),
+    under(refusal(kCall),
+          created("a refusal without words", kOn, {kProtect}, 1042, "",
+                  place("create", "\nnew\nconfig\n  protectedport true\n"))),
+    under(refusal(kCall, "no"),
+          deleted("a refused delete", kOn, {kUnprotect}, 1042, "no",
+                  place("delete", "\ncur\nconfig\n  protectedport true\n"))),
+    under(refusal(kCall, "odd", 2), merged("another code does not count", kOff, kOn, {kProtect})),
+    under(refusal(kCall, "odd", 0, 2), merged("nor what the daemon itself says", kOff, kOn, {kProtect})),
 };
-INSTANTIATE_TEST_SUITE_P(Table, ProtectedPortConfig,
-                         testing::ValuesIn(andNothingElse({std::begin(kSteps), std::end(kSteps)}, kOff, kOn)),
-                         CaseName());
 
-std::string entry(const std::string &config, const std::string &name = "ethernet 1/1/1")
+TEST(ProtectedPort, DoesExactlyThis)
 {
-    return R"({"lyn-openconfig-protectedport:interface":[{"name":")" + name + R"(","config":)" + config +
-        "}]}";
-}
-
-std::string running(const std::string &config)
-{
-    return R"({"lyn-openconfig-protectedport:protectedport":{"interfaces":{"interface":[{"name":"ethernet 1/1/1","config":)" +
-        config + "}]}}}";
+    check(kConfig, kCells, Quiet{kOff, kOn});
 }
 
 TEST(ProtectedPortEdit, WhatGoesIsUnprotected)
 {
-    const struct {
-        const char *what;
-        std::string path;
-    } cases[] = {{"the leaf", kConfig + "/protectedport"}, {"the entry", kEntry}, {"all", kTop}};
-    for (const auto &c : cases) {
-        SwitchBench bench(running(kOn));
-        EXPECT_TRUE(bench.remove(c.path).ok()) << c.what;
-        EXPECT_THAT(bench.sent(), ElementsAre(kUnprotect)) << c.what;
+    for (const std::string &path : {kConfig + "/protectedport", kEntry, kTop}) {
+        SwitchBench bench(R"({"lyn-openconfig-protectedport:protectedport":{"interfaces":{"interface":[)"
+                          R"({"name":"ethernet 1/1/1","config":)" +
+                          kOn + "}]}}}");
+        EXPECT_TRUE(bench.remove(path).ok()) << path;
+        EXPECT_THAT(bench.sent(), ElementsAre(kUnprotect)) << path;
     }
-}
-
-TEST(ProtectedPortEdit, TheDevicesWordsReachTheClient)
-{
-    SwitchBench bench;
-    const Outcome refused = bench.post(kList, entry(kOn, "ethernet 9/1/1"));
-    EXPECT_THAT(
-        refused.refusals,
-        ElementsAre(Refusal{
-            1042, "operation-failed",
-            "/lyn-openconfig-protectedport:protectedport/interfaces/interface[name='ethernet 9/1/1']/config",
-            "Error: port ethernet 9/1/1 does not exist\n"}));
-    EXPECT_EQ(bench.running(), R"({"ietf-restconf:data":{}})");
-    EXPECT_EQ(bench.device().show("protected-port"), switchsim::Json::array());
 }
 
 } // namespace

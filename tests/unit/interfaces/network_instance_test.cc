@@ -1,110 +1,66 @@
 // Network instances: VLANs, static MAC addresses, and what cannot be changed.
-#include "tests/unit/interfaces/cells.h"
+#include "tests/unit/bundle/callback_test.h"
 #include "tests/unit/interfaces/paths.h"
-#include "toolkit/toolkit.h"
 
 namespace test {
 namespace {
 
-using namespace tk;
-using testing::ElementsAre;
+const std::string kCall = "ui_vlan_config_apply";
+const Pattern removal{kCall + R"( {"operation":3,"vlan_type":{"kind":2,"multi_vlan":{"vlan_mask":"$"}}})"};
+const Pattern addVlan{
+    kCall +
+    R"( {"operation":1,"vlan_type":{"kind":2,"multi_vlan":{"vlan_mask":"10"}},"name_op":1,"name":"$)"
+    R"("})"};
+const std::string kRemoveVlan = removal("10"), kRemoveAll = removal("1 to 4095");
 
-std::string addVlan(const std::string &name)
-{
-    return R"(ui_vlan_config_apply {"operation":1,"vlan_type":{"kind":2,"multi_vlan":{"vlan_mask":"10"}},)"
-           R"("name_op":1,"name":")" +
-        name + "\"}";
-}
-const std::string kRemoveVlan =
-    R"(ui_vlan_config_apply {"operation":3,"vlan_type":{"kind":2,"multi_vlan":{"vlan_mask":"10"}}})";
-const std::string kRemoveAll =
-    R"(ui_vlan_config_apply {"operation":3,"vlan_type":{"kind":2,"multi_vlan":{"vlan_mask":"1 to 4095"}}})";
+const Pattern named{R"({"vlan-id":10,"name":"$"})"};
+const std::string kPlain = R"({"vlan-id":10})", kA = named("a"), kB = named("b"),
+                  kEntry = R"({"vlan-id":10,"config":)" + kA + "}", kVlans = R"({"vlan":[)" + kEntry + "]}",
+                  kSilent = "Error: Clam Call failure\n",
+                  kNotSent = "\n Error: Send to remote failed with error 1 for VLAN 10\n",
+                  kNotDone = "\n Error: Backend processing failed with error  6 for VLAN 10";
 
-std::string named(const std::string &name)
-{
-    return R"({"vlan-id":10,"name":")" + name + "\"}";
-}
-const std::string kPlain = R"({"vlan-id":10})", kSuspended = R"({"vlan-id":10,"status":"SUSPENDED"})";
-
-class VlanConfig : public Cells { };
-TEST_P(VlanConfig, Sends)
-{
-    check(vlanPath("10", "/config"));
-}
-const Cell kConfigCells[] = {
-    {"create", apply, create, kAbsent, named("a"), {addVlan("a")}},
-    {"create_without_name", apply, create, kAbsent, kPlain, {addVlan("")}},
-    {"create_of_the_default_vlan_goes_by_number",
-     apply,
-     create,
-     kAbsent,
-     named("DEFAULT-VLAN"),
-     {R"(ui_vlan_config_apply {"operation":1,"vlan_type":{"kind":1,"id":10},"default_vlan":1})"}},
-    {"merge_of_a_new_name", apply, merge, kPlain, named("a"), {addVlan("a")}},
-    {"merge_of_another_name", apply, merge, named("a"), named("b"), {addVlan("b")}},
-    {"merge_that_deletes_the_name", apply, merge, named("a"), kPlain, {addVlan("")}},
-    {"merge_that_leaves_the_name_alone_loses_it", apply, merge, kPlain, kSuspended, {addVlan("")}},
-    {"replace", apply, replace, named("a"), named("b"), {addVlan("b")}},
-    {"delete", apply, del, named("a"), kAbsent, {kRemoveVlan}},
-    {"load", apply, load, kAbsent, named("a")},
-    {"rollback_of_merge_goes_back_to_the_old_name", rollback, merge, named("a"), named("b"), {addVlan("a")}},
-    {"rollback_of_merge_that_deleted_the_name", rollback, merge, named("a"), kPlain, {addVlan("a")}},
-    {"rollback_of_merge_that_gave_a_name", rollback, merge, kPlain, named("a"), {addVlan("")}},
-    {"rollback_of_replace_removes_the_vlan", rollback, replace, named("a"), named("b"), {kRemoveVlan}},
-    {"rollback_of_create", rollback, create, kAbsent, named("a"), {kRemoveVlan}},
-    {"rollback_of_delete", rollback, del, named("a"), kAbsent, {addVlan("a")}},
-    {"rollback_of_load", rollback, load, kAbsent, named("a")},
-    {"validate", validate, create, kAbsent, named("a")},
-    {"commit", commit, del, named("a"), kAbsent},
+const std::vector<Cell> kConfigCells = {
+    created("", kA, {addVlan("a")}),
+    created("without name", kPlain, {addVlan("")}),
+    created("the default VLAN goes by number", named("DEFAULT-VLAN"),
+            {kCall + R"( {"operation":1,"vlan_type":{"kind":1,"id":10},"default_vlan":1})"}),
+    merged("another name", kA, kB, {addVlan("b")}),
+    merged("a name that goes", kA, kPlain, {addVlan("")}),
+    merged("a name that is left alone is lost", kPlain, R"({"vlan-id":10,"status":"SUSPENDED"})",
+           {addVlan("")}),
+    replaced("", kA, kB, {addVlan("b")}),
+    deleted("", kA, {kRemoveVlan}),
+    in(rollback, merged("back to the old name", kA, kB, {addVlan("a")})),
+    in(rollback, merged("a name that went", kA, kPlain, {addVlan("a")})),
+    in(rollback, merged("a name that was given", kPlain, kA, {addVlan("")})),
+    in(rollback, replaced("rollback of replace removes the VLAN", kA, kB, {kRemoveVlan})),
+    in(rollback, created("", kA, {kRemoveVlan})),
+    in(rollback, deleted("", kA, {addVlan("a")})),
+    under(noAnswer(kCall), created("silent", kA, {addVlan("a")}, 4, kSilent)),
+    under(refusal(kCall, "", 6), created("an empty text is none", kA, {addVlan("a")}, 4, kSilent)),
+    under(refusal(kCall, "odd", 0, 2), created("the daemon itself does not count", kA, {addVlan("a")})),
 };
-INSTANTIATE_TEST_SUITE_P(Table, VlanConfig, testing::ValuesIn(kConfigCells), CaseName());
 
-class VlanEntry : public Cells { };
-TEST_P(VlanEntry, Sends)
-{
-    check(vlanPath("10"));
-}
-const std::string kEntry = R"({"vlan-id":10,"config":)" + named("a") + "}";
-const Cell kEntryCells[] = {
-    {"create", apply, create, kAbsent, kEntry},
-    {"replace", apply, replace, kEntry, kEntry},
-    {"delete", apply, del, kEntry, kAbsent, {kRemoveVlan}},
-    {"rollback_of_delete", rollback, del, kEntry, kAbsent, {addVlan("a")}},
-    {"rollback_of_create", rollback, create, kAbsent, kEntry},
-    {"validate", validate, del, kEntry, kAbsent},
-};
-INSTANTIATE_TEST_SUITE_P(Table, VlanEntry, testing::ValuesIn(kEntryCells), CaseName());
-
-class AllVlans : public Cells { };
-TEST_P(AllVlans, Sends)
-{
-    check(instancePath("/vlans"));
-}
-const std::string kVlans = R"({"vlan":[)" + kEntry + "]}";
-const Cell kVlansCells[] = {
-    {"delete", apply, del, kVlans, kAbsent, {kRemoveAll}},
-    {"replace", apply, replace, kVlans, "{}"},
-    {"rollback_of_delete", rollback, del, kVlans, kAbsent},
-    {"commit_of_delete", commit, del, kVlans, kAbsent},
-};
-INSTANTIATE_TEST_SUITE_P(Table, AllVlans, testing::ValuesIn(kVlansCells), CaseName());
-
-TEST(Vlans, AFailureRecordsTheDevicesWordsFirst)
+TEST(Vlans, DoExactlyThis)
 {
     SwitchBench bench;
-    const auto edit = [&] {
-        return bench.call(apply, create, vlanPath("10", "/config"), kAbsent, named("a"));
-    };
-    bench.device().addFault(faultOf("ui_vlan_config_apply", switchsim::FaultKind::refuse, "no room"));
-    const Callback refused = edit();
-    EXPECT_EQ(refused.status, 4);
-    ASSERT_EQ(refused.records.size(), 2u);
-    EXPECT_EQ(refused.records[0].text, "no room");
-    EXPECT_EQ(refused.records[1].text, "Error: Clam Call failure\n");
-    bench.unplug();
-    const Callback silent = edit();
-    ASSERT_EQ(silent.records.size(), 1u);
-    EXPECT_EQ(silent.records[0].text, "Error: Clam Call failure\n");
+    check(bench, vlanPath("10", "/config"), kConfigCells, Quiet{kA, kA});
+    check(bench, vlanPath("10"),
+          {deleted("", kEntry, {kRemoveVlan}), in(rollback, deleted("", kEntry, {addVlan("a")}))},
+          Quiet{kEntry, kEntry});
+    check(bench, instancePath("/vlans"), {deleted("", kVlans, {kRemoveAll})}, Quiet{kVlans, kVlans});
+    // A failure records the device's words first.
+    strike(bench, refusal(kCall, "no room"));
+    EXPECT_EQ(ended(bench.call(apply, create, vlanPath("10", "/config"), kAbsent, kA)),
+              Ended(4, {"no room", kSilent}));
+    for (const auto &[fault, said] :
+         {std::pair{noAnswer(kCall), kNotSent}, {refusal(kCall, "", 6), kNotDone}}) {
+        strike(bench, fault);
+        const LogCapture log;
+        bench.call(apply, create, vlanPath("10", "/config"), kAbsent, kA);
+        EXPECT_THAT(log.errors(), HasSubstr(said));
+    }
 }
 
 const std::string kStartup =
@@ -115,35 +71,31 @@ const std::string kStartup =
 TEST(NetworkInstance, IsNeitherMadeNorDeleted)
 {
     SwitchBench bench(kStartup);
-    const std::string text = "Error: Network instance creation/deletion not allowed\n";
     const Outcome created = bench.post(
         "openconfig-network-instance:network-instances",
         R"({"openconfig-network-instance:network-instance":[{"name":"red","config":{"name":"red"}}]})");
-    EXPECT_EQ(created.status(), kDeviceText);
-    EXPECT_EQ(created.message(), text);
-    const Outcome deleted = bench.remove(instancePath());
-    EXPECT_EQ(deleted.status(), kDeviceText);
-    EXPECT_EQ(deleted.message(), text);
+    for (const Outcome &outcome : {created, bench.remove(instancePath())}) {
+        EXPECT_EQ(outcome.status(), kDeviceText);
+        EXPECT_EQ(outcome.message(), "Error: Network instance creation/deletion not allowed\n");
+    }
     EXPECT_THAT(bench.sent(), ElementsAre()); // refused before any VLAN is removed
-    for (const EditOp op : {merge, replace})
-        EXPECT_EQ(
-            bench.call(apply, op, instancePath(), R"({"name":"default"})", R"({"name":"default"})").status,
-            kOk);
+    const std::string instance = R"({"name":"default"})";
+    check(bench, instancePath(), {merged("", instance, instance), replaced("", instance, instance)});
 }
 
 TEST(Vlans, ExistBeforePortsJoinAndGoAfterTheyLeave)
 {
     SwitchBench bench(kStartup);
-    const auto body = [](const std::string &membership) {
-        return R"({"ietf-restconf:data":{"openconfig-interfaces:interfaces":{"interface":[{"name":"ethernet 1/1/1",)"
-               R"("openconfig-if-ethernet:ethernet":{"openconfig-vlan:switched-vlan":{"config":)" +
-            membership +
-            R"(}}}]},"openconfig-network-instance:network-instances":{"network-instance":[{"name":"default",)"
-            R"("vlans":{"vlan":[{"vlan-id":20,"config":{"vlan-id":20,"name":"voice"}}]}}]}}})";
-    };
-    EXPECT_TRUE(bench.patch("", body(R"({"access-vlan":20})")).ok());
-    EXPECT_THAT(bench.sent(),
-                ElementsAre(testing::HasSubstr(R"("name":"voice")"), testing::HasSubstr("untagged_ports")));
+    EXPECT_TRUE(
+        bench
+            .patch(
+                "",
+                R"({"ietf-restconf:data":{"openconfig-interfaces:interfaces":{"interface":[{"name":"ethernet 1/1/1",)"
+                R"("openconfig-if-ethernet:ethernet":{"openconfig-vlan:switched-vlan":{"config":{"access-vlan":20}}}}]},)"
+                R"("openconfig-network-instance:network-instances":{"network-instance":[{"name":"default",)"
+                R"("vlans":{"vlan":[{"vlan-id":20,"config":{"vlan-id":20,"name":"voice"}}]}}]}}})")
+            .ok());
+    EXPECT_THAT(bench.sent(), ElementsAre(HasSubstr(R"("name":"voice")"), HasSubstr("untagged_ports")));
     EXPECT_EQ(bench.device().show("vlan")["20"]["untagged"], switchsim::Json::array({"ethernet 1/1/1"}));
     EXPECT_TRUE(bench.remove(instancePath("/vlans")).ok());
     const auto sent = bench.sent();
@@ -154,6 +106,7 @@ TEST(Vlans, ExistBeforePortsJoinAndGoAfterTheyLeave)
 
 // Static addresses
 
+const std::string kMacCall = "ui_mac_config_apply", kOn = R"({"interface":"ethernet 1/1/1"})";
 std::string macPath(const std::string &below = "")
 {
     return instancePath("/fdb/mac-table/entries/entry=00%3A11%3A22%3A33%3A44%3A55,10" + below);
@@ -161,111 +114,47 @@ std::string macPath(const std::string &below = "")
 std::string mac(int operation)
 {
     const auto word = std::to_string(operation);
-    return R"(ui_mac_config_apply {"entries":[{"mac_op":)" + word +
+    return kMacCall + R"( {"entries":[{"mac_op":)" + word +
         R"(,"mac_address":"00:11:22:33:44:55","vlan_op":)" + word +
         R"(,"vlan_type":{"kind":1,"id":10},"port_op":)" + word +
         R"(,"port":"ethernet 1/1/1","entry_flag":1}]})";
 }
-
-class MacInterface : public Cells {
-protected:
-    MacInterface() { bench_->call(apply, create, vlanPath("10", "/config"), kAbsent, kPlain); }
+const std::vector<Cell> kMacCells = {
+    created("", kOn, {mac(1)}),
+    merged("", "{}", kOn, {mac(1)}),
+    merged("merge that leaves none", kOn, "{}"),
+    deleted("", kOn, {mac(3)}),
+    under(refusal(kMacCall, "full"), created("refused", kOn, {mac(1)}, 1042, "full")),
+    under(refusal(kMacCall, "full", 2), created("another code", kOn, {mac(1)}, 4)),
+    under(refusal(kMacCall, "full", 2), deleted("another code", kOn, {mac(3)}, 1042, "full")),
+    under(noAnswer(kMacCall), created("silent", kOn, {mac(1)}, 4)),
+    under(noAnswer(kMacCall), deleted("silent", kOn, {mac(3)}, 4)),
 };
-TEST_P(MacInterface, Sends)
-{
-    check(macPath("/interface/interface-ref/config"));
-}
-const std::string kOn = R"({"interface":"ethernet 1/1/1"})";
-const Cell kMacCells[] = {
-    {"create", apply, create, kAbsent, kOn, {mac(1)}},
-    {"merge", apply, merge, "{}", kOn, {mac(1)}},
-    {"merge_that_leaves_none", apply, merge, kOn, "{}"},
-    {"replace_changes_nothing", apply, replace, kOn, kOn},
-    {"delete", apply, del, kOn, kAbsent, {mac(3)}},
-    {"load", apply, load, kAbsent, kOn},
-    {"rollback_leaves_it_in_place", rollback, create, kAbsent, kOn},
-    {"rollback_of_delete", rollback, del, kOn, kAbsent},
-    {"validate", validate, create, kAbsent, kOn},
-    {"commit", commit, create, kAbsent, kOn},
-};
-INSTANTIATE_TEST_SUITE_P(Table, MacInterface, testing::ValuesIn(kMacCells), CaseName());
 
-TEST(MacInterface, FailuresOfTheTwoDirections)
+TEST(MacInterface, DoesExactlyThis)
 {
     SwitchBench bench;
-    const auto path = macPath("/interface/interface-ref/config");
-    const auto add = [&] { return bench.call(apply, create, path, kAbsent, kOn); };
-    const auto remove = [&] { return bench.call(apply, del, path, kOn, kAbsent); };
-    struct {
-        int uiErr;
-        Status add, remove;
-        bool hasText[2];
-    } cases[] = {{1, 1042, 1042, {true, true}}, {2, 4, 1042, {false, true}}};
-    for (const auto &c : cases) {
-        auto fault = faultOf("ui_mac_config_apply", switchsim::FaultKind::refuse, "table full");
-        fault.uiErr = c.uiErr;
-        bench.device().addFault(fault);
-        const Callback added = add(), removed = remove();
-        EXPECT_EQ(added.status, c.add);
-        EXPECT_EQ(removed.status, c.remove);
-        EXPECT_EQ(added.records.at(0).text, c.hasText[0] ? "table full" : "");
-        EXPECT_EQ(removed.records.at(0).text, c.hasText[1] ? "table full" : "");
-        bench.device().clearFaults();
-    }
-    bench.unplug();
-    EXPECT_EQ(add().status, 4);
-    EXPECT_EQ(remove().status, 4);
+    bench.call(apply, create, vlanPath("10", "/config"), kAbsent, kPlain);
+    check(bench, macPath("/interface/interface-ref/config"), kMacCells, Quiet{kOn, kOn});
 }
 
 TEST(MacEntry, AgreesWithItsKeys)
 {
     SwitchBench bench;
-    const auto entry = [&](const std::string &config, EditPhase phase = apply, EditOp op = create) {
-        const auto value = R"({"mac-address":"00:11:22:33:44:55","vlan":10,"config":)" + config + "}";
-        std::vector<std::string> texts;
-        const Callback done = bench.call(phase, op, macPath(), op == create ? kAbsent : value, value);
-        for (const auto &record : done.records)
-            texts.push_back(record.text);
-        EXPECT_EQ(done.status, texts.empty() ? kOk : kDeviceText);
-        return texts;
+    const auto entry = [](const std::string &config) {
+        return R"({"mac-address":"00:11:22:33:44:55","vlan":10,"config":)" + config + "}";
     };
     const std::string wrongMac = "Key MAC and config MAC value not matching \n",
-                      wrongVlan = "Key VLAN and config VLAN value not matching \n";
-    EXPECT_THAT(entry(R"({"mac-address":"00:11:22:33:44:55","vlan":10})"), ElementsAre());
-    EXPECT_THAT(entry("{}"), ElementsAre());
-    EXPECT_THAT(entry(R"({"vlan":11})"), ElementsAre(wrongVlan));
-    EXPECT_THAT(entry(R"({"mac-address":"00:11:22:33:44:56","vlan":10})"), ElementsAre(wrongMac));
-    const std::string both = R"({"mac-address":"00:11:22:33:44:56","vlan":11})";
-    EXPECT_THAT(entry(both), ElementsAre(wrongMac, wrongVlan));
-    EXPECT_THAT(entry(both, apply, merge), ElementsAre(wrongMac, wrongVlan));
-    EXPECT_THAT(entry(both, apply, replace), ElementsAre());
-    EXPECT_THAT(entry(both, validate), ElementsAre());
-    EXPECT_THAT(bench.sent(), ElementsAre());
-}
-
-TEST(MacEntry, ComesAndGoesWithItsInterface)
-{
-    SwitchBench bench(kStartup);
-    ASSERT_TRUE(
-        bench.patch(vlanPath("10", "/config"), R"({"openconfig-network-instance:config":{"name":"a"}})")
-            .ok());
-    bench.sent();
-    const auto ref = macPath("/interface/interface-ref/config");
-    EXPECT_TRUE(bench
-                    .put(macPath(),
-                         R"({"openconfig-network-instance:entry":[{"mac-address":"00:11:22:33:44:55",)"
-                         R"("vlan":10,"config":{"mac-address":"00:11:22:33:44:55","vlan":10},)"
-                         R"("interface":{"interface-ref":{"config":{"interface":"ethernet 1/1/1"}}}}]})")
-                    .ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(mac(1)));
-    EXPECT_TRUE(bench.remove(ref + "/interface").ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(mac(3)));
-    EXPECT_TRUE(bench.put(ref, R"({"openconfig-network-instance:config":)" + kOn + "}").ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(mac(1)));
-    EXPECT_EQ(bench.device().show("static-mac")[0]["port"], "ethernet 1/1/1");
-    EXPECT_TRUE(bench.remove(macPath()).ok());
-    EXPECT_THAT(bench.sent(), ElementsAre(mac(3)));
-    EXPECT_TRUE(bench.device().show("static-mac").empty());
+                      wrongVlan = "Key VLAN and config VLAN value not matching \n",
+                      both = entry(R"({"mac-address":"00:11:22:33:44:56","vlan":11})");
+    check(bench, macPath(),
+          {created("right", entry(R"({"mac-address":"00:11:22:33:44:55","vlan":10})")),
+           created("none", entry("{}")),
+           created("wrong VLAN", entry(R"({"vlan":11})"), {}, kDeviceText, wrongVlan),
+           created("wrong MAC", entry(R"({"mac-address":"00:11:22:33:44:56"})"), {}, kDeviceText, wrongMac),
+           replaced("", both, both), in(validate, created("", both))});
+    EXPECT_EQ(ended(bench.call(apply, merge, macPath(), both, both)),
+              Ended(kDeviceText, {wrongMac, wrongVlan}));
 }
 
 } // namespace

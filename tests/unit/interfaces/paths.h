@@ -1,4 +1,4 @@
-// Paths to the nodes that many of these tests are about.
+// Paths to the nodes that many of these tests are about, and the port that they start with.
 #pragma once
 
 #include <string>
@@ -22,5 +22,10 @@ inline std::string vlanPath(const std::string &vlan, const std::string &below = 
 {
     return instancePath("/vlans/vlan=" + vlan + below);
 }
+
+inline const std::string kPort = "ethernet 1/1/1",
+                         kPortStartup =
+                             R"({"openconfig-interfaces:interfaces":{"interface":[{"name":"ethernet 1/1/1",)"
+                             R"("config":{"name":"ethernet 1/1/1","type":"iana-if-type:ethernetCsmacd"}}]}})";
 
 } // namespace test

@@ -13,77 +13,48 @@ const char kData[] =
     R"("entry":[{"name":"a","own":"1","config":{"value":"v"},"sub":[{"id":1,"text":"s"},{"id":2}]},)"
     R"({"name":"b","own":"1"},{"name":"c","config":{"value":"w","other":"o"}}]})";
 
-const char kEntryA[] = "<entry><name>a</name><own>1</own><config><value>v</value></config>"
-                       "<sub><id>1</id><text>s</text></sub><sub><id>2</id></sub></entry>";
-const char kEntryB[] = "<entry><name>b</name><own>1</own></entry>";
-const char kEntryC[] = "<entry><name>c</name><config><value>w</value><other>o</other></config></entry>";
-
-struct Case {
-    std::string name;
-    std::string filter;   // in <top>
-    std::string selected; // in <top>; empty: no top at all
-};
-
-class SubtreeFilter : public testing::TestWithParam<Case> { };
-
-TEST_P(SubtreeFilter, Selects)
+TEST(SubtreeFilter, Selects)
 {
+    const std::string value = "<config><value>v</value></config>", words = "<words>x</words><words>y</words>";
+    const std::string other = "<config><value>w</value><other>o</other></config>";
+    const std::string a = "<entry><name>a</name><own>1</own>" + value +
+        "<sub><id>1</id><text>s</text></sub><sub><id>2</id></sub></entry>";
+    const std::string b = "<entry><name>b</name><own>1</own></entry>",
+                      c = "<entry><name>c</name>" + other + "</entry>";
+    const struct {
+        std::string filter, selected; // in <top>; no top at all if nothing is selected
+    } table[] = {
+        {"<plain/>", "<plain>p</plain>"},
+        {"<config><limit/></config>", "<config><limit>3</limit></config>"},
+        {"<entry/>", a + b + c},
+        // A leaf comes with the key of its entry.
+        {"<entry><own/></entry>", "<entry><name>a</name><own>1</own></entry>" + b},
+        {"<entry><name>c</name></entry><entry><name>b</name></entry>", b + c},
+        {"<entry><name>a</name><config/></entry>", "<entry><name>a</name>" + value + "</entry>"},
+        {"<entry><name>a</name><sub><id>2</id></sub></entry>",
+         "<entry><name>a</name><sub><id>2</id></sub></entry>"},
+        {"<entry><name>a</name><own/></entry><entry><name>a</name><config/></entry>",
+         "<entry><name>a</name><own>1</own>" + value + "</entry>"},
+        {"<entry><own>1</own></entry>", a + b},
+        {"<entry><config><value>w</value></config></entry>", c},
+        // A value that does not fit takes its siblings along.
+        {"<plain>\n  p\n</plain><words/>", "<plain>p</plain>" + words},
+        {"<plain>q</plain><words/>", ""},
+        {"<words>y</words><plain/>", "<plain>p</plain><words>y</words>"},
+        {"<form xmlns:m='urn:test:toy'>m:round</form><plain/>",
+         "<plain>p</plain><form xmlns:t=\"urn:test:toy\">t:round</form>"},
+        {"<nothing/><plain/>", "<plain>p</plain>"},
+        {"<plain colour='red'/>", ""},
+        {"<inner/>", ""},
+    };
     StoresBench bench(kData);
-    EXPECT_EQ(bench.filtered(top(GetParam().filter)), top(GetParam().selected));
-}
-
-const Case kCases[] = {
-    {"a_selection_node", "<plain/>", "<plain>p</plain>"},
-    {"a_selected_container", "<config/>", "<config><enabled>true</enabled><limit>3</limit></config>"},
-    {"a_leaf_inside_a_container", "<config><limit/></config>", "<config><limit>3</limit></config>"},
-    {"all_entries", "<entry/>", std::string(kEntryA) + kEntryB + kEntryC},
-    {"a_leaf_of_all_entries_comes_with_the_key", "<entry><own/></entry>",
-     "<entry><name>a</name><own>1</own></entry><entry><name>b</name><own>1</own></entry>"},
-    {"an_entry_by_its_key", "<entry><name>b</name></entry>", kEntryB},
-    {"two_entries_by_their_keys", "<entry><name>c</name></entry><entry><name>b</name></entry>",
-     std::string(kEntryB) + kEntryC},
-    {"a_part_of_an_entry", "<entry><name>a</name><config/></entry>",
-     "<entry><name>a</name><config><value>v</value></config></entry>"},
-    {"an_entry_inside_an_entry", "<entry><name>a</name><sub><id>2</id></sub></entry>",
-     "<entry><name>a</name><sub><id>2</id></sub></entry>"},
-    {"two_filters_for_one_entry", "<entry><name>a</name><own/></entry><entry><name>a</name><config/></entry>",
-     "<entry><name>a</name><own>1</own><config><value>v</value></config></entry>"},
-    {"a_leaf_that_is_no_key", "<entry><own>1</own></entry>", std::string(kEntryA) + kEntryB},
-    {"all_values_must_fit", "<entry><name>a</name><own>2</own></entry>", ""},
-    {"a_value_deeper_down", "<entry><config><value>w</value></config></entry>",
-     "<entry><name>c</name><config><value>w</value><other>o</other></config></entry>"},
-    {"a_value_beside_a_selection", "<plain>p</plain><words/>",
-     "<plain>p</plain><words>x</words><words>y</words>"},
-    {"a_value_that_does_not_fit_takes_its_siblings_along", "<plain>q</plain><words/>", ""},
-    {"a_value_of_a_leaf_list", "<words>y</words><plain/>", "<plain>p</plain><words>y</words>"},
-    {"blanks_around_a_value", "<plain>\n  p\n</plain><words/>",
-     "<plain>p</plain><words>x</words><words>y</words>"},
-    {"an_identity", "<form xmlns:m='urn:test:toy'>m:round</form><plain/>",
-     "<plain>p</plain><form xmlns:t=\"urn:test:toy\">t:round</form>"},
-    {"a_value_of_the_wrong_type", "<config><limit>much</limit></config>", ""},
-    {"an_entry_that_is_not_there", "<entry><name>z</name></entry>", ""},
-    {"a_node_that_the_schema_lacks", "<nothing/><plain/>", "<plain>p</plain>"},
-    {"an_attribute_that_no_data_have", "<plain colour='red'/>", ""},
-    {"a_container_that_holds_nothing", "<inner/>", ""},
-};
-
-INSTANTIATE_TEST_SUITE_P(Table, SubtreeFilter, testing::ValuesIn(kCases), CaseName());
-
-TEST(SubtreeFilterNames, WithoutANamespaceStandForAll)
-{
-    StoresBench bench(kData);
+    for (const auto &[filter, selected] : table)
+        EXPECT_EQ(bench.filtered(top(filter)), top(selected)) << filter;
+    // Names without a namespace stand for all.
     EXPECT_EQ(bench.filtered("<top><plain/></top>"), top("<plain>p</plain>"));
     EXPECT_EQ(bench.filtered("<top xmlns='urn:test:other'><plain/></top>"), "");
     EXPECT_EQ(bench.filtered(""), "");
 }
-
-struct XPathCase {
-    std::string name;
-    std::string expression;
-    std::string selected;
-};
-
-class XPathFilter : public testing::TestWithParam<XPathCase> { };
 
 std::string byXPath(StoresBench &bench, const std::string &expression)
 {
@@ -91,50 +62,37 @@ std::string byXPath(StoresBench &bench, const std::string &expression)
         {.filter = {Filter::Kind::xpath, expression, {{"p", "urn:test:toy"}, {"q", "urn:test:other"}}}});
 }
 
-TEST_P(XPathFilter, Selects)
+TEST(XPathFilter, Selects)
 {
+    const std::string a = "<entry><name>a</name><config><value>v</value></config></entry>";
+    const std::string b = "<entry><name>b</name><own>1</own></entry>";
+    const struct {
+        std::string expression, selected;
+    } table[] = {
+        {"/p:top/p:entry[p:name='b']", b},
+        {"/p:top/p:entry[p:name=\"a\"]/p:config", a},
+        {"/p:top/p:entry/p:config/p:value",
+         a + "<entry><name>c</name><config><value>w</value></config></entry>"},
+        {"/p:top/p:entry[p:config/p:value='v']/p:config", a},
+        {"/p:top/p:plain | /p:top/p:config/p:limit", "<plain>p</plain><config><limit>3</limit></config>"},
+        {"//p:other", "<entry><name>c</name><config><other>o</other></config></entry>"},
+        {"/p:top/p:entry[starts-with(p:name, 'b')]/p:own", b},
+        {"/p:top/p:entry[position() * 2 = 4]/p:own", b},
+        {"/p:top/p:config/*", "<config><enabled>true</enabled><limit>3</limit></config>"},
+        {"/p:top/p:entry/*[p:value='v']", a},
+        {"/p:top/p:entry[p:name='//*[node()]']", ""},
+        {"/p:top/p:entry[p:name='p:x']", ""},
+    };
     StoresBench bench(kData);
-    EXPECT_EQ(byXPath(bench, GetParam().expression), top(GetParam().selected));
+    for (const auto &[expression, selected] : table)
+        EXPECT_EQ(byXPath(bench, expression), top(selected)) << expression;
 }
 
-const XPathCase kXPathCases[] = {
-    {"a_leaf", "/p:top/p:plain", "<plain>p</plain>"},
-    {"an_entry", "/p:top/p:entry[p:name='b']", kEntryB},
-    {"below_an_entry", "/p:top/p:entry[p:name=\"a\"]/p:config",
-     "<entry><name>a</name><config><value>v</value></config></entry>"},
-    {"below_all_entries", "/p:top/p:entry/p:config/p:value",
-     "<entry><name>a</name><config><value>v</value></config></entry>"
-     "<entry><name>c</name><config><value>w</value></config></entry>"},
-    {"a_predicate_on_no_key", "/p:top/p:entry[p:config/p:value='w']", kEntryC},
-    {"a_union", "/p:top/p:plain | /p:top/p:config/p:limit",
-     "<plain>p</plain><config><limit>3</limit></config>"},
-    {"any_depth", "//p:other", "<entry><name>c</name><config><other>o</other></config></entry>"},
-    {"a_function", "/p:top/p:entry[starts-with(p:name, 'b')]/p:own",
-     "<entry><name>b</name><own>1</own></entry>"},
-    {"a_position", "/p:top/p:entry[2]/p:own", "<entry><name>b</name><own>1</own></entry>"},
-    {"an_axis", "/child::p:top/child::p:plain", "<plain>p</plain>"},
-    {"a_wildcard", "/p:top/p:config/*", "<config><enabled>true</enabled><limit>3</limit></config>"},
-    {"a_wildcard_with_a_predicate", "/p:top/p:entry/*[p:value='v']",
-     "<entry><name>a</name><config><value>v</value></config></entry>"},
-    {"a_product", "/p:top/p:entry[position() * 2 = 4]/p:own", "<entry><name>b</name><own>1</own></entry>"},
-    {"searches_in_a_text", "/p:top/p:entry[p:name='//*[node()]']", ""},
-    {"a_colon_in_a_text", "/p:top/p:entry[p:name='p:x']", ""},
-    {"nothing_there", "/p:top/p:marked", ""},
-};
-
-INSTANTIATE_TEST_SUITE_P(Table, XPathFilter, testing::ValuesIn(kXPathCases), CaseName());
-
-TEST(XPathFilterRefuses, WhatSelectsNoNodes)
+TEST(XPathFilter, RefusesWhatSelectsNoNodesOrLooksAtEverythingAgainAndAgain)
 {
     StoresBench bench(kData);
-    for (const char *expression : {"count(/p:top/p:entry)", "/p:top[", "/x:top", "1 +", ""})
+    for (const char *expression : {"count(/p:top/p:entry)", "/p:top[", "/x:top", ""})
         EXPECT_THROW(byXPath(bench, expression), Failure) << expression;
-}
-
-// What would look at everything again and again.
-TEST(XPathFilterRefuses, SearchesInsidePredicatesAndTooManyOfThem)
-{
-    StoresBench bench(kData);
     std::string many = "//p:own";
     for (int i = 0; i < 20; ++i)
         many += "|//p:own";
@@ -176,39 +134,30 @@ TEST(StateFilter, AsksOnlyForWhatTheFilterNames)
     EXPECT_THAT(askedRows, testing::ElementsAre("2", "2"));
 }
 
-struct DefaultsCase {
-    std::string name;
-    WithDefaults mode;
-    std::string filter, selected;
-};
-
-class Defaults : public testing::TestWithParam<DefaultsCase> { };
-
-TEST_P(Defaults, AreShownAsAsked)
+TEST(Defaults, AreShownAsAsked)
 {
-    const DefaultsCase &c = GetParam();
-    StoresBench bench(c.name.find("set") != std::string::npos ? R"({"number":7})" : R"({"plain":"a"})");
-    EXPECT_EQ(
-        bench.stores().read({.filter = {Filter::Kind::subtree, "<filter>" + top(c.filter) + "</filter>"},
-                             .withDefaults = c.mode}),
-        top(c.selected));
+    const std::string tagged = "<number xmlns:ncwd=\"urn:ietf:params:xml:ns:netconf:default:1.0\" "
+                               "ncwd:default=\"true\">7</number>";
+    const std::string number = "<number>7</number>";
+    const struct {
+        const char *running;
+        WithDefaults mode;
+        std::string filter, selected;
+    } table[] = {
+        {R"({"plain":"a"})", WithDefaults::explicitOnly, "<number/>", ""},
+        {R"({"number":7})", WithDefaults::explicitOnly, "<number/>", number},
+        {R"({"number":7})", WithDefaults::trim, "<number/>", ""},
+        {R"({"plain":"a"})", WithDefaults::reportAll, number + "<plain/>", "<plain>a</plain>" + number},
+        {R"({"plain":"a"})", WithDefaults::reportAllTagged, "<number/>", tagged},
+        {R"({"number":7})", WithDefaults::reportAllTagged, "<number/>", number},
+    };
+    for (const auto &[running, mode, filter, selected] : table) {
+        StoresBench bench(running);
+        const Filter wanted{Filter::Kind::subtree, "<filter>" + top(filter) + "</filter>"};
+        EXPECT_EQ(bench.stores().read({.filter = wanted, .withDefaults = mode}), top(selected))
+            << running << filter;
+    }
 }
-
-const char kTagged[] = "<number xmlns:ncwd=\"urn:ietf:params:xml:ns:netconf:default:1.0\" "
-                       "ncwd:default=\"true\">7</number>";
-
-const DefaultsCase kDefaultsCases[] = {
-    {"explicit_leaves_them_out", WithDefaults::explicitOnly, "<number/>", ""},
-    {"explicit_shows_what_was_set", WithDefaults::explicitOnly, "<number/>", "<number>7</number>"},
-    {"trim_leaves_out_what_was_set", WithDefaults::trim, "<number/>", ""},
-    {"all_adds_them", WithDefaults::reportAll, "<number/>", "<number>7</number>"},
-    {"all_matches_them", WithDefaults::reportAll, "<number>7</number><plain/>",
-     "<plain>a</plain><number>7</number>"},
-    {"tagged_marks_them", WithDefaults::reportAllTagged, "<number/>", kTagged},
-    {"tagged_does_not_mark_what_was_set", WithDefaults::reportAllTagged, "<number/>", "<number>7</number>"},
-};
-
-INSTANTIATE_TEST_SUITE_P(Table, Defaults, testing::ValuesIn(kDefaultsCases), CaseName());
 
 } // namespace
 } // namespace test

@@ -1,12 +1,10 @@
 // Sessions without a connection: what a client sends, and every byte that it gets back.
+#include "server/files.h"
 #include "server/netconf/session.h"
 #include "tests/unit/netconf/stores_bench.h"
 
 #include <deque>
-#include <fstream>
-#include <future>
 #include <gmock/gmock.h>
-#include <sstream>
 
 namespace agentd::netconf {
 namespace {
@@ -17,18 +15,49 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr char kHello10[] =
-    "<hello xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><capabilities>"
-    "<capability>urn:ietf:params:netconf:base:1.0</capability></capabilities></hello>]]>]]>";
-constexpr char kHello11[] =
-    "<hello xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><capabilities>"
-    "<capability> urn:ietf:params:netconf:base:1.1\n</capability></capabilities></hello>]]>]]>";
 constexpr char kReply[] = "<rpc-reply message-id=\"1\" xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\">";
+const std::string kDone = std::string(kReply) + "<ok/></rpc-reply>";
+const std::string kNothing = std::string(kReply) + "<data></data></rpc-reply>";
+constexpr char kGetRunning[] = "<get-config><source><running/></source></get-config>";
+constexpr char kDiscard[] = "<discard-changes/>";
+constexpr char kEnd[] = "]]>]]>";
 
-std::string rpcOf(const std::string &operation)
+std::string based(const std::string &element, const std::string &content)
 {
-    return "<rpc message-id='1' xmlns='urn:ietf:params:xml:ns:netconf:base:1.0'>" + operation + "</rpc>";
+    return "<" + element + " xmlns='urn:ietf:params:xml:ns:netconf:base:1.0'>" + content + "</" +
+        element.substr(0, element.find(' ')) + ">";
 }
+
+using Text = const std::string &;
+const auto helloOf = [](Text capability, Text more = {}) {
+    return based("hello", "<capabilities><capability>" + capability + "</capability></capabilities>" + more) +
+        kEnd;
+};
+const std::string kHello10 = helloOf("urn:ietf:params:netconf:base:1.0");
+const std::string kHello11 = helloOf(" urn:ietf:params:netconf:base:1.1\n");
+
+const auto rpcOf = [](Text operation) { return based("rpc message-id='1'", operation); };
+const auto lockOf = [](Text store) { return "<lock><target><" + store + "/></target></lock>"; };
+const auto killOf = [](Text id) {
+    return "<kill-session><session-id>" + id + "</session-id></kill-session>";
+};
+const auto editOf = [](Text content, Text options = {}) {
+    return "<edit-config><target><running/></target>" + options + "<config>" + top(content) +
+        "</config></edit-config>";
+};
+const auto schemaOf = [](Text content) {
+    return "<get-schema xmlns='urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring'>" + content +
+        "</get-schema>";
+};
+const auto readAs = [](Text defaults) {
+    return "<get-config><source><running/></source>"
+           "<with-defaults xmlns='urn:ietf:params:xml:ns:yang:ietf-netconf-with-defaults'>" +
+        defaults + "</with-defaults></get-config>";
+};
+const auto actionOf = [](Text content) {
+    return "<action xmlns='urn:ietf:params:xml:ns:yang:1'>" + content + "</action>";
+};
+const auto tagged = [](Text tag) { return HasSubstr("<error-tag>" + tag + "</error-tag>"); };
 
 // Everything that a session runs on, and what it says to its client.
 class Wire : public Transport, public std::enable_shared_from_this<Wire> {
@@ -66,9 +95,8 @@ private:
 struct Client {
     std::shared_ptr<Wire> wire = std::make_shared<Wire>();
     std::shared_ptr<Session> session;
-    bool wasKilled = false;
 
-    std::uint32_t id() const { return session->record()->id; }
+    std::string id() const { return std::to_string(session->record()->id); }
 
     // What came since the last time.
     std::string take() { return std::exchange(wire->sent, {}); }
@@ -77,20 +105,16 @@ struct Client {
     std::string ask(const std::string &message)
     {
         take();
-        session->receive(message + "]]>]]>");
+        session->receive(message + kEnd);
         while (!wire->hasEnded && wire->sent.empty())
             if (!wire->runOne())
                 return "no answer";
         const std::string reply = take();
-        return reply.substr(0, reply.rfind("]]>]]>"));
+        return reply.substr(0, reply.rfind(kEnd));
     }
 
     // The same for the content of an <rpc>.
-    std::string rpc(const std::string &operation)
-    {
-        return ask("<rpc message-id=\"1\" xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\">" + operation +
-                   "</rpc>");
-    }
+    std::string rpc(const std::string &operation) { return ask(rpcOf(operation)); }
 };
 
 class Server {
@@ -115,20 +139,7 @@ public:
         return client;
     }
 
-    void disconnect(Client &client)
-    {
-        client.session->end();
-        sessions.end(client.session->record(), false);
-        EXPECT_TRUE(dispatcher.release(client.session->record()));
-    }
-
-    std::string auditTrail() const
-    {
-        std::ifstream in(bench.folder.path() / "audit.log");
-        std::ostringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
+    std::string auditTrail() const { return readFile(bench.folder.path() / "audit.log"); }
 
     StoresBench bench;
     Audit audit;
@@ -137,10 +148,14 @@ public:
     Dispatcher dispatcher;
 };
 
-TEST(Hello, SaysWhatTheServerCan)
-{
+class Netconf : public testing::Test {
+protected:
     Server server;
     Client client = server.connect();
+};
+
+TEST_F(Netconf, SaysWhatItCan)
+{
     const std::string hello = client.take();
     for (const char *capability :
          {"netconf:base:1.0<", "netconf:base:1.1<", "writable-running:1.0", "candidate:1.0",
@@ -148,7 +163,7 @@ TEST(Hello, SaysWhatTheServerCan)
           "with-defaults:1.0?basic-mode=explicit&amp;also-supported=report-all,report-all-tagged,trim",
           "yang-library:1.1?revision=2019-01-04&amp;content-id="})
         EXPECT_THAT(hello, HasSubstr(capability));
-    EXPECT_THAT(hello, HasSubstr("<session-id>" + std::to_string(client.id()) + "</session-id>"));
+    EXPECT_THAT(hello, HasSubstr("<session-id>" + client.id() + "</session-id>"));
     EXPECT_THAT(hello, testing::EndsWith("]]>]]>"));
     // A module of YANG 1.1 stands in the library only.
     EXPECT_THAT(hello, Not(HasSubstr("urn:test:toy")));
@@ -160,24 +175,18 @@ TEST(Hello, OfTheClientChoosesTheFraming)
     Server server;
     Client client = server.connect(kHello11);
     client.take();
-    client.session->receive(framed(rpcOf("<discard-changes/>"), Framing::chunked));
+    client.session->receive(framed(rpcOf(kDiscard), Framing::chunked));
     ASSERT_TRUE(client.wire->runOne());
-    const std::string reply = std::string(kReply) + "<ok/></rpc-reply>";
-    EXPECT_EQ(client.take(), "\n#" + std::to_string(reply.size()) + "\n" + reply + "\n##\n");
+    EXPECT_EQ(client.take(), "\n#" + std::to_string(kDone.size()) + "\n" + kDone + "\n##\n");
 }
 
 TEST(Hello, ThatIsBadEndsTheSession)
 {
     Server server;
-    const std::string base = "urn:ietf:params:xml:ns:netconf:base:1.0";
     for (const std::string &hello :
-         {std::string("<hello/>"), std::string("nothing"), "<rpc xmlns=\"" + base + "\"/>",
-          "<hello xmlns=\"" + base + "\"/>",
-          "<hello xmlns=\"" + base + "\"><capabilities><capability>urn:x</capability></capabilities></hello>",
-          "<hello xmlns=\"" + base +
-              "\"><capabilities><capability>urn:ietf:params:netconf:base:1.0</capability></capabilities>"
-              "<session-id>4</session-id></hello>"}) {
-        Client client = server.connect(hello + "]]>]]>");
+         {std::string("<hello/>"), std::string("nothing"), based("rpc", ""), based("hello", ""),
+          helloOf("urn:x"), helloOf("urn:ietf:params:netconf:base:1.0", "<session-id>4</session-id>")}) {
+        const Client client = server.connect(hello + kEnd);
         EXPECT_TRUE(client.wire->hasEnded) << hello;
     }
     EXPECT_EQ(server.sessions.inBadHellos, 6U);
@@ -188,123 +197,58 @@ std::string errorOf(const std::string &type, const std::string &tag, const std::
 {
     return "<rpc-error><error-type>" + type + "</error-type><error-tag>" + tag +
         "</error-tag><error-severity>error</error-severity><error-message xml:lang=\"en\">" + message +
-        "</error-message>" + (info.empty() ? "" : "<error-info>" + info + "</error-info>") + "</rpc-error>";
+        "</error-message>" + (info.empty() ? "" : "<error-info>" + info + "</error-info>") +
+        "</rpc-error></rpc-reply>";
 }
 
-struct BadMessage {
-    std::string name, message, tag;
-
-    friend std::ostream &operator<<(std::ostream &out, const BadMessage &c) { return out << c.message; }
-};
-
-std::string nested(int levels)
+TEST_F(Netconf, RefusesWithAnRpcErrorAndGoesOn)
 {
-    std::string text;
-    for (int i = 0; i < levels; ++i)
-        text.insert(0, "<a>").append("</a>");
-    return text;
+    std::string deep;
+    for (int i = 0; i < 200; ++i)
+        deep.insert(0, "<a>").append("</a>");
+    const std::string malformed = "malformed-message", unsupported = "operation-not-supported";
+    const struct {
+        std::string message, tag;
+    } table[] = {
+        {"hello there", malformed},
+        {rpcOf("<get/>") + rpcOf("<get/>"), malformed},
+        {"<rpc>\xff</rpc>", malformed},
+        {R"(<!DOCTYPE r [<!ENTITY a "aaaaa"><!ENTITY b "&a;&a;&a;">]><rpc>&b;</rpc>)", malformed},
+        {rpcOf(deep), malformed},
+        {"<rpc message-id='1'><get/></rpc>", "unknown-namespace"},
+        {rpcOf("<get/><get/>"), "bad-element"},
+        {rpcOf("<reboot xmlns='urn:x'/>"), "unknown-namespace"},
+        {rpcOf("<top xmlns='urn:test:toy'/>"), unsupported},
+        {rpcOf("<get><depth>1</depth></get>"), "unknown-element"},
+        {rpcOf("<get><filter xmlns='urn:x'/></get>"), "unknown-namespace"},
+        {rpcOf("<get><filter/><filter/></get>"), "bad-element"},
+        {rpcOf("<get-config><source><running/><startup/></source></get-config>"), "bad-element"},
+        {rpcOf("<get><filter type='regex'/></get>"), "bad-attribute"},
+        {rpcOf("<get><filter type='xpath' select='/x:a'/></get>"), "invalid-value"},
+        {rpcOf(readAs("all")), "invalid-value"},
+        {rpcOf("<edit-config><target><startup/></target><config/></edit-config>"), unsupported},
+        {rpcOf("<edit-config><target><running/></target><url>file:///etc/passwd</url></edit-config>"),
+         "missing-element"},
+        {rpcOf(editOf("", "<default-operation>delete</default-operation>")), "invalid-value"},
+        {rpcOf("<copy-config><target><running/></target><source><running/></source></copy-config>"),
+         "invalid-value"},
+        {rpcOf("<delete-config><target><running/></target></delete-config>"), unsupported},
+        {rpcOf("<commit><confirmed/><confirm-timeout>0</confirm-timeout></commit>"), "invalid-value"},
+        {rpcOf(killOf("99")), "invalid-value"},
+        {rpcOf(schemaOf("<identifier>../../etc/passwd</identifier>")), "invalid-value"},
+        {rpcOf(schemaOf("<identifier>toy</identifier><format>yin</format>")), "invalid-value"},
+        {rpcOf(actionOf("")), "missing-element"},
+        {rpcOf(actionOf(top("<plain/>"))), unsupported},
+    };
+    for (const auto &[message, tag] : table) {
+        EXPECT_THAT(client.ask(message), tagged(tag)) << message;
+        EXPECT_FALSE(client.wire->hasEnded) << message;
+        EXPECT_EQ(client.rpc(kGetRunning), kNothing) << message;
+    }
 }
 
-const BadMessage kBadMessages[] = {
-    {"not_xml", "hello there", "malformed-message"},
-    {"not_closed", "<rpc><get>", "malformed-message"},
-    {"two_roots", rpcOf("<get/>") + rpcOf("<get/>"), "malformed-message"},
-    {"not_utf8", "<rpc>\xff</rpc>", "malformed-message"},
-    {"an_entity_bomb",
-     "<!DOCTYPE r [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;\">]><rpc>&b;</rpc>",
-     "malformed-message"},
-    {"nested_too_deeply", rpcOf(nested(200)), "malformed-message"},
-    {"no_namespace", "<rpc message-id='1'><get/></rpc>", "unknown-namespace"},
-    {"a_wrong_namespace", "<rpc message-id='1' xmlns='urn:x'><get/></rpc>", "unknown-namespace"},
-    {"another_root", "<notification xmlns='urn:ietf:params:xml:ns:netconf:base:1.0'/>", "unknown-element"},
-    {"no_message_id", "<rpc xmlns='urn:ietf:params:xml:ns:netconf:base:1.0'><get/></rpc>",
-     "missing-attribute"},
-    {"no_operation", rpcOf(""), "missing-element"},
-    {"two_operations", rpcOf("<get/><get/>"), "bad-element"},
-    {"an_unknown_operation", rpcOf("<reboot/>"), "operation-not-supported"},
-    {"an_operation_of_an_unknown_module", rpcOf("<reboot xmlns='urn:x'/>"), "unknown-namespace"},
-    {"an_unknown_operation_of_a_module", rpcOf("<reboot xmlns='urn:test:toy'/>"), "operation-not-supported"},
-    {"data_as_an_operation", rpcOf("<top xmlns='urn:test:toy'/>"), "operation-not-supported"},
-    {"an_undeclared_prefix", rpcOf("<x:get/>"), "unknown-namespace"},
-    {"an_unknown_parameter", rpcOf("<get><depth>1</depth></get>"), "unknown-element"},
-    {"a_parameter_of_another_namespace", rpcOf("<get><filter xmlns='urn:x'/></get>"), "unknown-namespace"},
-    {"a_parameter_twice", rpcOf("<get><filter/><filter/></get>"), "bad-element"},
-    {"no_source", rpcOf("<get-config/>"), "missing-element"},
-    {"an_empty_source", rpcOf("<get-config><source/></get-config>"), "missing-element"},
-    {"an_unknown_source", rpcOf("<get-config><source><history/></source></get-config>"), "unknown-element"},
-    {"two_sources", rpcOf("<get-config><source><running/><startup/></source></get-config>"), "bad-element"},
-    {"an_unknown_filter", rpcOf("<get><filter type='regex'/></get>"), "bad-attribute"},
-    {"an_xpath_filter_without_expression", rpcOf("<get><filter type='xpath'/></get>"), "missing-attribute"},
-    {"an_xpath_filter_with_an_unknown_prefix", rpcOf("<get><filter type='xpath' select='/x:a'/></get>"),
-     "invalid-value"},
-    {"unknown_defaults",
-     rpcOf("<get><with-defaults xmlns='urn:ietf:params:xml:ns:yang:ietf-netconf-with-defaults'>all"
-           "</with-defaults></get>"),
-     "invalid-value"},
-    {"an_edit_of_startup", rpcOf("<edit-config><target><startup/></target><config/></edit-config>"),
-     "operation-not-supported"},
-    {"an_edit_without_config", rpcOf("<edit-config><target><running/></target></edit-config>"),
-     "missing-element"},
-    {"an_edit_by_address",
-     rpcOf("<edit-config><target><running/></target><url>file:///etc/passwd</url></edit-config>"),
-     "missing-element"},
-    {"an_unknown_default_operation",
-     rpcOf("<edit-config><target><running/></target><default-operation>delete</default-operation><config/>"
-           "</edit-config>"),
-     "invalid-value"},
-    {"an_unknown_error_option",
-     rpcOf("<edit-config><target><running/></target><error-option>ignore</error-option><config/>"
-           "</edit-config>"),
-     "invalid-value"},
-    {"a_copy_to_itself",
-     rpcOf("<copy-config><target><running/></target><source><running/></source></copy-config>"),
-     "invalid-value"},
-    {"deletion_of_running", rpcOf("<delete-config><target><running/></target></delete-config>"),
-     "operation-not-supported"},
-    {"a_timeout_of_zero", rpcOf("<commit><confirmed/><confirm-timeout>0</confirm-timeout></commit>"),
-     "invalid-value"},
-    {"a_timeout_without_confirmed", rpcOf("<commit><confirm-timeout>5</confirm-timeout></commit>"),
-     "bad-element"},
-    {"a_persist_id_of_nothing", rpcOf("<commit><persist-id>x</persist-id></commit>"), "invalid-value"},
-    {"a_cancel_of_nothing", rpcOf("<cancel-commit/>"), "operation-failed"},
-    {"an_unlock_of_nothing", rpcOf("<unlock><target><running/></target></unlock>"), "operation-failed"},
-    {"a_kill_of_nobody", rpcOf("<kill-session><session-id>99</session-id></kill-session>"), "invalid-value"},
-    {"a_kill_without_number", rpcOf("<kill-session/>"), "missing-element"},
-    {"a_schema_that_is_not_there",
-     rpcOf("<get-schema xmlns='urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring'>"
-           "<identifier>../../etc/passwd</identifier></get-schema>"),
-     "invalid-value"},
-    {"a_schema_in_another_language",
-     rpcOf("<get-schema xmlns='urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring'>"
-           "<identifier>toy</identifier><format>yin</format></get-schema>"),
-     "invalid-value"},
-    {"an_action_that_is_none", rpcOf("<action xmlns='urn:ietf:params:xml:ns:yang:1'/>"), "missing-element"},
-    {"an_action_on_a_leaf",
-     rpcOf("<action xmlns='urn:ietf:params:xml:ns:yang:1'><top xmlns='urn:test:toy'><plain/></top></action>"),
-     "operation-not-supported"},
-};
-
-class Refuses : public testing::TestWithParam<BadMessage> { };
-
-TEST_P(Refuses, WithAnRpcErrorAndGoesOn)
+TEST_F(Netconf, RepliesWithTheAttributesOfTheRequest)
 {
-    Server server;
-    Client client = server.connect();
-    const std::string reply = client.ask(GetParam().message);
-    EXPECT_THAT(reply, HasSubstr("<error-tag>" + GetParam().tag + "</error-tag>"));
-    EXPECT_THAT(reply, HasSubstr("<error-severity>error</error-severity>"));
-    EXPECT_FALSE(client.wire->hasEnded);
-    EXPECT_EQ(client.rpc("<get-config><source><running/></source></get-config>"),
-              std::string(kReply) + "<data></data></rpc-reply>");
-}
-
-INSTANTIATE_TEST_SUITE_P(Table, Refuses, testing::ValuesIn(kBadMessages),
-                         [](const auto &of) { return of.param.name; });
-
-TEST(Replies, HaveTheAttributesOfTheRequest)
-{
-    Server server;
-    Client client = server.connect();
     EXPECT_EQ(client.ask("<rpc message-id='a&lt;\"' xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' "
                          "xmlns:ex='urn:e' ex:user='fred'><discard-changes/></rpc>"),
               "<rpc-reply message-id=\"a&lt;&quot;\" xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\" "
@@ -315,89 +259,62 @@ TEST(Replies, HaveTheAttributesOfTheRequest)
               "<ok xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\"/></nc:rpc-reply>");
 }
 
-TEST(Replies, ToErrorsSayWhereAndWhatIsWrong)
+TEST_F(Netconf, SaysWhereAndWhatIsWrong)
 {
-    Server server;
-    Client client = server.connect();
-    EXPECT_EQ(client.ask("<rpc xmlns='urn:ietf:params:xml:ns:netconf:base:1.0'><get/></rpc>"),
+    Client other = server.connect();
+    EXPECT_EQ(client.ask(based("rpc", "<get/>")),
               "<rpc-reply xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\">" +
                   errorOf("rpc", "missing-attribute", "The attribute message-id is missing.",
-                          "<bad-attribute>message-id</bad-attribute><bad-element>rpc</bad-element>") +
-                  "</rpc-reply>");
+                          "<bad-attribute>message-id</bad-attribute><bad-element>rpc</bad-element>"));
     server.bench.toy().failAt("apply", "/toy:top/entry[name='a']", kDeviceText, "no <room>");
-    const std::string edit = "<edit-config><target><running/></target><config>" +
-        top("<entry><name>a</name></entry>") + "</config></edit-config>";
-    EXPECT_EQ(client.rpc(edit),
+    EXPECT_EQ(client.rpc(editOf("<entry><name>a</name></entry>")),
               std::string(kReply) +
                   "<rpc-error><error-type>application</error-type><error-tag>operation-failed</error-tag>"
                   "<error-severity>error</error-severity><error-app-tag>1042</error-app-tag>"
                   "<error-path xmlns:toy=\"urn:test:toy\">/toy:top/entry[name='a']</error-path>"
                   "<error-message xml:lang=\"en\">no &lt;room&gt;</error-message></rpc-error></rpc-reply>");
-    Client other = server.connect();
-    EXPECT_THAT(other.rpc("<lock><target><running/></target></lock>"), HasSubstr("<ok/>"));
-    EXPECT_EQ(client.rpc("<lock><target><running/></target></lock>"),
-              std::string(kReply) +
+    EXPECT_EQ(other.rpc(lockOf("running")), kDone);
+    EXPECT_EQ(client.rpc(lockOf("running")),
+              kReply +
                   errorOf("protocol", "lock-denied", "The lock is held already.",
-                          "<session-id>" + std::to_string(other.id()) + "</session-id>") +
-                  "</rpc-reply>");
+                          "<session-id>" + other.id() + "</session-id>"));
 }
 
-TEST(Operations, ReadAndWriteTheDatastores)
+TEST_F(Netconf, ReadsAndWritesTheDatastores)
 {
-    Server server(R"({"plain":"a"})");
-    Client client = server.connect();
-    const std::string data = "<data>" + top("<plain>b</plain>") + "</data>";
-    EXPECT_EQ(client.rpc("<edit-config><target><running/></target><test-option>set</test-option>"
-                         "<error-option>rollback-on-error</error-option><config>" +
-                         top("<plain>b</plain>") + "</config></edit-config>"),
-              std::string(kReply) + "<ok/></rpc-reply>");
-    EXPECT_EQ(client.rpc("<get-config><source><running/></source></get-config>"),
-              std::string(kReply) + data + "</rpc-reply>");
+    const std::string data = kReply + ("<data>" + top("<plain>b</plain>") + "</data></rpc-reply>");
+    EXPECT_EQ(client.rpc(editOf("<plain>b</plain>",
+                                "<test-option>set</test-option>"
+                                "<error-option>rollback-on-error</error-option>")),
+              kDone);
+    EXPECT_EQ(client.rpc(kGetRunning), data);
     EXPECT_EQ(client.rpc("<get-config><source><running/></source><filter type='xpath' xmlns:t='urn:test:toy' "
                          "select='/t:top/t:plain'/></get-config>"),
-              std::string(kReply) + data + "</rpc-reply>");
+              data);
     // Elements without a namespace, as clients write them who give a bare string.
-    EXPECT_EQ(client.rpc("<get><filter xmlns=''>" + top("<plain/>") + "</filter></get>"),
-              std::string(kReply) + data + "</rpc-reply>");
-    EXPECT_THAT(client.rpc("<get-config><source><running/></source>"
-                           "<with-defaults xmlns='urn:ietf:params:xml:ns:yang:ietf-netconf-with-defaults'>"
-                           "report-all</with-defaults></get-config>"),
-                HasSubstr("<number>7</number>"));
-    EXPECT_THAT(
+    EXPECT_EQ(client.rpc("<get><filter xmlns=''>" + top("<plain/>") + "</filter></get>"), data);
+    EXPECT_THAT(client.rpc(readAs("report-all")), HasSubstr("<number>7</number>"));
+    EXPECT_EQ(
         client.rpc("<validate><source><config>" + top("<plain>c</plain>") + "</config></source></validate>"),
-        HasSubstr("<ok/>"));
+        kDone);
     EXPECT_THAT(
-        client.rpc("<get-schema xmlns='urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring'>"
-                   "<identifier>toy</identifier><version>2024-01-01</version></get-schema>"),
+        client.rpc(schemaOf("<identifier>toy</identifier><version>2024-01-01</version>")),
         AllOf(HasSubstr("<data xmlns=\"urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring\">module toy {"),
               HasSubstr("presence &quot;it is on&quot;")));
     EXPECT_THAT(server.auditTrail(),
-                HasSubstr("netconf user=\"admin\" from=127.0.0.1:1 request=\"edit-config running\" "
-                          "outcome=\"ok\""));
+                HasSubstr("netconf user=\"admin\" from=127.0.0.1:1 "
+                          "request=\"edit-config running\" outcome=\"ok\""));
     EXPECT_THAT(server.auditTrail(), Not(HasSubstr("get-config")));
-}
-
-Status addUp(tk::Session *, tk::Request *msg, tk::Value *)
-{
-    const tk::Value *input = agt_get_rpc_input(msg);
-    const auto a = val_get_int64(val_find_child(input, "toy", "a"));
-    tk::Object *response = obj_find_child(obj_find_child(msg->method, "toy", "output"), "toy", "response");
-    Status status = kOk;
-    agt_rpc_add_return_val(agt_make_int_leaf(obj_find_child(response, "toy", "sum"), "sum",
-                                             static_cast<std::int32_t>(a + 1), &status),
-                           msg);
-    return status;
 }
 
 Status poke(tk::Session *, tk::Request *msg, tk::Value *, tk::Value *)
 {
     const tk::Value *input = agt_get_rpc_input(msg);
-    const std::string how = input ? val_get_string(val_find_child(input, "toy", "how")) : "";
-    if (how.empty())
+    if (!input)
         return kOk;
     tk::Object *felt = obj_find_child(obj_find_child(msg->method, "toy", "output"), "toy", "felt");
+    const std::string text = std::string("felt ") + val_get_string(val_find_child(input, "toy", "how"));
     Status status = kOk;
-    const std::string text = "felt " + how;
     agt_rpc_add_return_val(agt_make_leaf(felt, "felt", text.c_str(), &status), msg);
     return status;
 }
@@ -406,80 +323,46 @@ TEST(Operations, OfTheBundleTakeInputAndGiveOutput)
 {
     Server server(R"({"entry":[{"name":"e"}]})");
     Client client = server.connect();
-    agt_rpc_register_method("toy", "add", tk::operationInvoke, addUp);
+    agt_rpc_register_method("toy", "add", tk::operationInvoke, ::test::addUp);
     agt_action_register_action("/t:top/t:entry/t:poke", tk::operationInvoke, poke);
-    EXPECT_EQ(client.rpc("<t:add xmlns:t='urn:test:toy'><t:a>4</t:a></t:add>"),
+    EXPECT_EQ(client.rpc("<t:add xmlns:t='urn:test:toy'><t:a>4</t:a><t:b>1</t:b></t:add>"),
               std::string(kReply) + "<response xmlns=\"urn:test:toy\"><sum>5</sum></response></rpc-reply>");
     EXPECT_THAT(client.rpc("<add xmlns='urn:test:toy'><a>much</a></add>"), HasSubstr("invalid-value"));
     const auto action = [](const std::string &input) {
-        return "<action xmlns='urn:ietf:params:xml:ns:yang:1'>" +
-            top("<entry><name>e</name><poke>" + input + "</poke></entry>") + "</action>";
+        return actionOf(top("<entry><name>e</name><poke>" + input + "</poke></entry>"));
     };
     EXPECT_EQ(client.rpc(action("<how>hard</how>")),
               std::string(kReply) + "<felt xmlns=\"urn:test:toy\">felt hard</felt></rpc-reply>");
-    EXPECT_EQ(client.rpc(action("")), std::string(kReply) + "<ok/></rpc-reply>");
-    EXPECT_THAT(client.rpc("<action xmlns='urn:ietf:params:xml:ns:yang:1'>" + top("<entry><poke/></entry>") +
-                           "</action>"),
-                HasSubstr("missing-element"));
+    EXPECT_EQ(client.rpc(action("")), kDone);
+    EXPECT_THAT(client.rpc(actionOf(top("<entry><poke/></entry>"))), HasSubstr("missing-element"));
     EXPECT_THAT(server.auditTrail(), AllOf(HasSubstr("rpc add"), HasSubstr("request=\"action\"")));
 }
 
-TEST(CloseSession, EndsTheSessionBehindTheReply)
+TEST_F(Netconf, EndsAClosedSessionBehindTheReply)
 {
-    Server server;
-    Client client = server.connect();
-    EXPECT_EQ(client.rpc("<close-session/>"), std::string(kReply) + "<ok/></rpc-reply>");
+    EXPECT_EQ(client.rpc("<close-session/>"), kDone);
     EXPECT_TRUE(client.wire->hasEnded);
     EXPECT_TRUE(client.session->endsOrderly());
     client.session->receive("<more/>]]>]]>");
     EXPECT_EQ(client.take(), "");
 }
 
-// Holds the first callback up until it is told to go on.
-class SlowDevice {
-public:
-    explicit SlowDevice(StoresBench &bench)
-    {
-        bench.toy().watch = [this](const std::string &line, tk::Value *, tk::Value *) {
-            if (line.rfind("apply", 0) != 0)
-                return;
-            reached_.set_value();
-            go_.get_future().wait();
-        };
-    }
-    void awaitCall() { reached_.get_future().wait(); }
-    void answer() { go_.set_value(); }
-
-private:
-    std::promise<void> reached_, go_;
-};
-
 TEST(KillSession, OfOneThatIsInACallbackTakesEffectWhenTheCallbackEnds)
 {
     Server server;
     Client victim = server.connect(), killer = server.connect();
-    EXPECT_THAT(victim.rpc("<lock><target><running/></target></lock>"), HasSubstr("<ok/>"));
-    SlowDevice device(server.bench);
-    victim.take();
-    victim.session->receive(rpcOf("<edit-config><target><running/></target><config>" +
-                                  top("<plain>x</plain>") + "</config></edit-config>") +
-                            "]]>]]>" +
-                            rpcOf("<edit-config><target><running/></target><config>" +
-                                  top("<plain>never</plain>") + "</config></edit-config>") +
-                            "]]>]]>");
+    EXPECT_EQ(victim.rpc(lockOf("running")), kDone);
+    ::test::SlowDevice device(server.bench.toy());
+    victim.session->receive(rpcOf(editOf("<plain>x</plain>")) + kEnd + rpcOf(editOf("<plain>never</plain>")) +
+                            kEnd);
     device.awaitCall();
-    EXPECT_THAT(killer.rpc("<kill-session><session-id>" + std::to_string(victim.id()) +
-                           "</session-id></kill-session>"),
-                HasSubstr("<ok/>"));
+    EXPECT_EQ(killer.rpc(killOf(victim.id())), kDone);
     // What needs no callback is answered meanwhile, with the values before the edit.
-    EXPECT_EQ(killer.rpc("<get-config><source><running/></source></get-config>"),
-              std::string(kReply) + "<data></data></rpc-reply>");
+    EXPECT_EQ(killer.rpc(kGetRunning), kNothing);
     device.answer();
-    EXPECT_THAT(killer.rpc("<lock><target><running/></target></lock>"), HasSubstr("<ok/>"));
+    EXPECT_EQ(killer.rpc(lockOf("running")), kDone);
     EXPECT_EQ(server.bench.running(), top("<plain>x</plain>"));
-    EXPECT_THAT(killer.rpc("<kill-session><session-id>" + std::to_string(killer.id()) +
-                           "</session-id></kill-session>"),
-                HasSubstr("<error-tag>invalid-value</error-tag>"));
+    EXPECT_THAT(killer.rpc(killOf(killer.id())), tagged("invalid-value"));
 }
 
 TEST(Waiting, IsBoundedAndRefusedBeyond)
@@ -488,52 +371,29 @@ TEST(Waiting, IsBoundedAndRefusedBeyond)
     std::vector<Client> clients;
     for (int i = 0; i < 7; ++i)
         clients.push_back(server.connect());
-    EXPECT_THAT(clients[6].rpc("<lock><target><startup/></target></lock>"), HasSubstr("<ok/>"));
-    SlowDevice device(server.bench);
-    const std::string edit = rpcOf("<edit-config><target><running/></target><config>" +
-                                   top("<plain>x</plain>") + "</config></edit-config>") +
-        "]]>]]>";
-    clients[0].session->receive(edit);
+    EXPECT_EQ(clients[6].rpc(lockOf("startup")), kDone);
+    ::test::SlowDevice device(server.bench.toy());
+    clients[0].session->receive(rpcOf(editOf("<plain>x</plain>")) + kEnd);
     device.awaitCall();
     for (std::size_t i = 1; i < 6; ++i)
-        clients[i].session->receive(rpcOf("<discard-changes/>") + "]]>]]>");
+        clients[i].session->receive(rpcOf(kDiscard) + kEnd);
     ASSERT_TRUE(clients[5].wire->runOne());
-    EXPECT_THAT(clients[5].take(), HasSubstr("<error-tag>resource-denied</error-tag>"));
+    EXPECT_THAT(clients[5].take(), tagged("resource-denied"));
     // A session that ends now gives back its locks with the next request that is carried out.
     clients[6].session->end();
     EXPECT_FALSE(server.dispatcher.release(clients[6].session->record()));
     device.answer();
     for (std::size_t i = 0; i < 5; ++i)
         ASSERT_TRUE(clients[i].wire->runOne());
-    EXPECT_THAT(clients[5].rpc("<lock><target><startup/></target></lock>"), HasSubstr("<ok/>"));
+    EXPECT_EQ(clients[5].rpc(lockOf("startup")), kDone);
 }
 
-TEST(Messages, MayComeInTenThousandPieces)
+TEST_F(Netconf, AnswersMessagesOneBehindTheOtherInOrder)
 {
-    Server server;
-    Client client = server.connect(kHello11);
-    const std::string message =
-        "<rpc message-id=\"1\" xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><!--" +
-        std::string(10000, 'x') + "--><discard-changes/></rpc>";
-    client.take();
-    for (const char c : message)
-        client.session->receive(std::string("\n#1\n") + c);
-    client.session->receive("\n##\n");
-    ASSERT_TRUE(client.wire->runOne());
-    EXPECT_THAT(client.take(), HasSubstr("<ok/>"));
-}
-
-TEST(Messages, OneBehindTheOtherAreAnsweredInOrder)
-{
-    Server server;
-    Client client = server.connect();
     client.take();
     std::string all;
     for (int i = 0; i < 20; ++i)
-        all += "<rpc message-id='" + std::to_string(i) +
-            "' xmlns='urn:ietf:params:xml:ns:netconf:base:1.0'>" +
-            (i % 2 ? "<discard-changes/>" : "<get-config><source><running/></source></get-config>") +
-            "</rpc>]]>]]>";
+        all += based("rpc message-id='" + std::to_string(i) + "'", i % 2 ? kDiscard : kGetRunning) + kEnd;
     client.session->receive(all);
     for (int i = 0; i < 20; ++i) {
         ASSERT_TRUE(client.wire->runOne());
@@ -544,14 +404,11 @@ TEST(Messages, OneBehindTheOtherAreAnsweredInOrder)
 TEST(Framings, ThatAreBrokenEndTheSessionAndNoOther)
 {
     Server server;
-    Client other = server.connect();
-    for (const char *bytes : {"\nX5\n", "\n#-5\n", "\n#0\n", "\n#4294967295\n", "<rpc/>]]>]]>"}) {
-        Client client = server.connect(kHello11);
-        client.session->receive(bytes);
-        EXPECT_TRUE(client.wire->hasEnded) << bytes;
-        EXPECT_FALSE(client.session->endsOrderly());
-    }
-    EXPECT_THAT(other.rpc("<discard-changes/>"), HasSubstr("<ok/>"));
+    Client other = server.connect(), client = server.connect(kHello11);
+    client.session->receive("\n#-5\n");
+    EXPECT_TRUE(client.wire->hasEnded);
+    EXPECT_FALSE(client.session->endsOrderly());
+    EXPECT_EQ(other.rpc(kDiscard), kDone);
 }
 
 } // namespace

@@ -1,10 +1,10 @@
 // What is read back when the files of startup are damaged or cannot be written.
+#include "server/files.h"
 #include "tests/unit/netconf/stores_bench.h"
 
 #include <csignal>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <sstream>
 #include <sys/resource.h>
 
 namespace test {
@@ -15,14 +15,6 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-std::string readAll(const std::filesystem::path &file)
-{
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 void writeAll(const std::filesystem::path &file, const std::string &bytes)
 {
@@ -51,7 +43,7 @@ protected:
     void change(const std::string &name, const std::function<void(std::string &)> &action)
     {
         const auto file = bench.folder.path() / name;
-        std::string bytes = readAll(file);
+        std::string bytes = agentd::readFile(file);
         action(bytes);
         writeAll(file, bytes);
     }
@@ -77,12 +69,13 @@ void flip(std::string &bytes, std::size_t at)
 {
     bytes.at(at) = static_cast<char>(bytes.at(at) ^ 0x20);
 }
-
-TEST_F(Damage, NoneGivesNoComplaint)
+void flipMiddle(std::string &bytes)
 {
-    bench.restart();
-    EXPECT_EQ(bench.running(), number(4));
-    EXPECT_THAT(bench.complaints, IsEmpty());
+    flip(bytes, bytes.size() / 2);
+}
+void flipLast(std::string &bytes)
+{
+    flip(bytes, bytes.size() - 1);
 }
 
 TEST_F(Damage, ATornLastRecordIsLeftOut)
@@ -93,7 +86,7 @@ TEST_F(Damage, ATornLastRecordIsLeftOut)
 
 TEST_F(Damage, OfTheLastByteTellsTheChecksum)
 {
-    change("startup.log", [](std::string &bytes) { flip(bytes, bytes.size() - 1); });
+    change("startup.log", flipLast);
     expectAfterRestart(3, "startup.log: record 2 has a wrong checksum; the state before it is used");
     EXPECT_TRUE(std::filesystem::exists(bench.folder.path() / "startup.log.damaged"));
 }
@@ -106,15 +99,15 @@ TEST_F(Damage, OfOneOfTheFirstRecordsIsMended)
 
 TEST_F(Damage, OfTheFileFallsBackToTheOneBefore)
 {
-    change("startup.json", [](std::string &bytes) { flip(bytes, bytes.size() / 2); });
+    change("startup.json", flipMiddle);
     expectAfterRestart(2, "startup.json is not what was written there; the state before it is used");
     EXPECT_TRUE(std::filesystem::exists(bench.folder.path() / "startup.json.damaged"));
 }
 
 TEST_F(Damage, OfAllFilesFallsBackToTheFactory)
 {
-    for (const char *name : {"startup.json", "startup.json.1"})
-        change(name, [](std::string &bytes) { flip(bytes, bytes.size() / 2); });
+    change("startup.json", flipMiddle);
+    change("startup.json.1", flipMiddle);
     bench.restart();
     EXPECT_EQ(bench.running(), "");
     EXPECT_THAT(testing::PrintToString(bench.complaints), HasSubstr("what the factory gives is used"));
@@ -124,7 +117,7 @@ TEST_F(Damage, ACrashWhileTheFileIsReplacedLosesNothing)
 {
     // The new file is there under its name and the new log not yet.
     const auto folder = bench.folder.path();
-    const std::string oldLog = readAll(folder / "startup.log");
+    const std::string oldLog = agentd::readFile(folder / "startup.log");
     bench.stores().copy(1, Datastore::running, Datastore::startup);
     std::filesystem::rename(folder / "startup.log", folder / "startup.log.new");
     writeAll(folder / "startup.log", oldLog);
@@ -133,7 +126,7 @@ TEST_F(Damage, ACrashWhileTheFileIsReplacedLosesNothing)
     EXPECT_THAT(bench.complaints, IsEmpty());
 }
 
-TEST_F(Damage, AFilePutThereByHandIsUsed)
+TEST_F(Damage, AFilePutThereByHandIsUsedAndOneThatIsNoStartupStopsTheStart)
 {
     const auto folder = bench.folder.path();
     writeAll(folder / "startup.json", R"({"toy:top":{"number":9}})");
@@ -141,11 +134,6 @@ TEST_F(Damage, AFilePutThereByHandIsUsed)
     bench.restart();
     EXPECT_EQ(bench.running(), number(9));
     EXPECT_THAT(bench.complaints, IsEmpty());
-}
-
-TEST_F(Damage, AFileThatIsNoStartupStopsTheStart)
-{
-    const auto folder = bench.folder.path();
     writeAll(folder / "startup.json", "{ nothing");
     std::filesystem::remove(folder / "startup.log");
     EXPECT_THROW(bench.restart(), StartFailure);
@@ -160,8 +148,8 @@ TEST(Compaction, KeepsTheDataAlsoWhenTheNewFileIsDamaged)
         ASSERT_TRUE(bench.toy().put("toy:top/number", R"({"toy:number":)" + std::to_string(i) + "}").ok());
     ASSERT_TRUE(std::filesystem::exists(file));
     EXPECT_LT(std::filesystem::file_size(bench.folder.path() / "startup.log"), 1500U);
-    std::string bytes = readAll(file);
-    flip(bytes, bytes.size() / 2);
+    std::string bytes = agentd::readFile(file);
+    flipMiddle(bytes);
     writeAll(file, bytes);
     bench.restart();
     EXPECT_EQ(bench.running(), top("<number>39</number>"));
@@ -200,8 +188,8 @@ TEST(FullDiskRefuses, AnEditBeforeAnyCallbackHearsOfIt)
         EXPECT_THAT(refused.message(),
                     AllOf(HasSubstr("Startup cannot be written"), HasSubstr("startup.log")));
         EXPECT_THAT(bench.toy().told(), IsEmpty());
-        EXPECT_EQ(bench.attempt([&] { bench.stores().copy(1, Datastore::running, Datastore::startup); }).ok(),
-                  true);
+        EXPECT_TRUE(
+            bench.attempt([&] { bench.stores().copy(1, Datastore::running, Datastore::startup); }).ok());
     }
     EXPECT_TRUE(bench.toy().put("toy:top/plain", R"({"toy:plain":"x"})").ok());
     bench.restart();

@@ -3,9 +3,8 @@
 #include "network_instance/u_lyn-openconfig-iproute.h"
 
 #include "tests/unit/backend/scripted_transport.h"
-#include "tests/unit/bundle/log_capture.h"
-#include "tests/unit/interfaces/cells.h"
-#include "tests/unit/operations/rpc_call.h"
+#include "tests/unit/bundle/callback_test.h"
+#include "tests/unit/bundle/rpc_call.h"
 
 #include <algorithm>
 #include <deque>
@@ -13,15 +12,8 @@
 namespace test {
 namespace {
 
-using namespace tk;
-using switchsim::FaultKind;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::SizeIs;
-
-const std::string kModule = "lyn-openconfig-iproute", kCall = "ui_get_ip_route";
-const std::string kAll = R"({"route-table":{"all":[null]}})";
+const std::string kModule = "lyn-openconfig-iproute", kCall = "ui_get_ip_route",
+                  kAll = R"({"route-table":{"all":[null]}})";
 
 // One answer of the routing daemon, put together by hand.
 class Page {
@@ -137,213 +129,131 @@ TEST(RouteReport, GrowsWhereTheRoomDoesNotDo)
 
 TEST(RouteReport, TypeLetters)
 {
-    struct Case {
-        std::uint32_t type, subType;
-        const char *letters;
-    };
-    for (const Case &c : {Case{0, 0, "L"},
-                          {1, 0, "D"},
-                          {2, 0, "S"},
-                          {2, 1, "Sv"},
-                          {2, 2, "S"},
-                          {3, 1, "R"},
-                          {5, 1, "I"},
-                          {7, 1, "L"},
-                          {8, 0, "M"},
-                          {9, 0, "F"},
-                          {6, 0, "Be"},
-                          {6, 1, "Bi"},
-                          {6, 2, "Be"},
-                          {6, 3, "Bi"},
-                          {4, 0, "O "},
-                          {4, 1, "Oi"},
-                          {4, 2, "O1"},
-                          {4, 3, "O2"},
-                          {4, 4, "Oe"},
-                          {4, 5, "O s"},
-                          {4, 6, "Ois"},
-                          {4, 7, "O1s"},
-                          {4, 8, "O?s"},
-                          {4, 9, "O?"},
-                          {4, 4'000'000'000U, "O?"},
-                          {10, 0, "?"},
-                          {4'294'967'295U, 1, "?"}}) {
+    using Case = std::tuple<std::uint32_t, std::uint32_t, const char *>;
+    for (const auto &[type, subType, letters] : {Case{0, 0, "L"}, {1, 0, "D"},   {2, 0, "S"},
+                                                 {2, 1, "Sv"},    {2, 2, "S"},   {3, 1, "R"},
+                                                 {5, 1, "I"},     {6, 2, "Be"},  {6, 3, "Bi"},
+                                                 {7, 1, "L"},     {8, 0, "M"},   {9, 0, "F"},
+                                                 {4, 0, "O "},    {4, 1, "Oi"},  {4, 4, "Oe"},
+                                                 {4, 5, "O s"},   {4, 7, "O1s"}, {4, 8, "O?s"},
+                                                 {4, 9, "O?"},    {10, 0, "?"},  {4'294'967'295U, 1, "?"}}) {
         char text[route::kTypeBytes];
-        get_route_type_to_string(c.type, c.subType, text);
-        EXPECT_STREQ(text, c.letters) << c.type << " " << c.subType;
+        get_route_type_to_string(type, subType, text);
+        EXPECT_STREQ(text, letters) << type << " " << subType;
     }
 }
 
 TEST(RouteReport, Uptimes)
 {
-    struct Case {
-        std::uint32_t seconds;
-        const char *text;
-    };
-    for (const Case &c : {Case{0, "0m0s"},
-                          {59, "0m59s"},
-                          {60, "1m0s"},
-                          {3599, "59m59s"},
-                          {3600, "1h0m"},
-                          {86'399, "23h59m"},
-                          {86'400, "1d0h"},
-                          {99 * 86'400 + 3 * 3600 + 59, "99d3h"},
-                          {100 * 86'400 - 1, "99d23h"},
-                          {100 * 86'400, "100d\n"},
-                          {4'294'967'295U, "49710d\n"}}) {
+    using Case = std::pair<std::uint32_t, const char *>;
+    for (const auto &[seconds, expected] : {Case{59, "0m59s"},
+                                            {60, "1m0s"},
+                                            {3599, "59m59s"},
+                                            {3600, "1h0m"},
+                                            {86'399, "23h59m"},
+                                            {86'400, "1d0h"},
+                                            {100 * 86'400 - 1, "99d23h"},
+                                            {100 * 86'400, "100d\n"},
+                                            {4'294'967'295U, "49710d\n"}}) {
         char text[route::kUptimeBytes];
-        format_route_uptime_to_string(text, c.seconds);
-        EXPECT_STREQ(text, c.text) << c.seconds;
+        format_route_uptime_to_string(text, seconds);
+        EXPECT_STREQ(text, expected) << seconds;
     }
 }
 
-RpcAnswer invoke(HostBench &bench, const std::optional<std::string> &input = kAll)
+RpcAnswer invoke(HostBench &bench, const MaybeText &input = kAll)
 {
     return callRpc(bench, u_lyn_openconfig_iproute_iproute_invoke, kModule, "iproute", input);
 }
 
-struct Table {
-    std::string name;
-    int routes;
-    std::size_t pages;
-};
-class RouteTable : public testing::TestWithParam<Table> { };
-
-TEST_P(RouteTable, IsReadToItsLastPage)
+TEST(RouteTable, IsReadToItsLastPage)
 {
-    const Table &c = GetParam();
-    SwitchBench bench;
-    bench.device().setValue("routes", c.routes);
-    const auto output = bench.host().invoke(bench.target(kModule + ":iproute"),
-                                            "{\"lyn-openconfig-iproute:input\":" + kAll + "}", Encoding::json,
-                                            Encoding::json);
-    ASSERT_TRUE(output);
-    const RpcAnswer answer = invoke(bench);
-    EXPECT_EQ(answer.status, kOk);
-    ASSERT_THAT(answer.output, SizeIs(1));
-    const std::string &text = answer.output[0];
-    EXPECT_THAT(text, HasSubstr("\nTotal number of IP routes: " + std::to_string(c.routes) + "\n"));
-    EXPECT_EQ(text.find("show ip route"), text.rfind("show ip route")); // one head
-    // Every number once, in order, and one behind the last.
-    std::size_t at = 0;
-    for (int number = 1; number <= c.routes; ++number)
-        ASSERT_NE(at = text.find("\n" + std::to_string(number) + " ", at), text.npos) << number;
-    EXPECT_EQ(text.find("\n" + std::to_string(c.routes + 1) + " "), text.npos);
-    EXPECT_THAT(bench.sent(), SizeIs(2 * c.pages));
+    for (const auto &[routes, pages] : {std::pair<int, std::size_t>{0, 1}, {100, 1}, {5000, 50}}) {
+        SwitchBench bench;
+        bench.device().setValue("routes", routes);
+        const RpcAnswer answer = invoke(bench);
+        ASSERT_THAT(answer.output, SizeIs(1));
+        const std::string &text = answer.output[0];
+        EXPECT_THAT(text, HasSubstr("\nTotal number of IP routes: " + std::to_string(routes) + "\n"));
+        EXPECT_EQ(text.find("show ip route"), text.rfind("show ip route")); // one head
+        // Every number once, in order, and one behind the last.
+        std::size_t at = 0;
+        for (int number = 1; number <= routes; ++number)
+            ASSERT_NE(at = text.find("\n" + std::to_string(number) + " ", at), text.npos) << number;
+        EXPECT_EQ(text.find("\n" + std::to_string(routes + 1) + " "), text.npos);
+        EXPECT_THAT(bench.sent(), SizeIs(pages));
+        EXPECT_EQ(invoke(bench), answer); // nothing stays behind between two calls
+    }
 }
-const Table kTables[] = {
-    {"no_routes", 0, 1}, {"three", 3, 1}, {"a_full_page", 100, 1}, {"five_thousand", 5000, 50}};
-INSTANTIATE_TEST_SUITE_P(Table, RouteTable, testing::ValuesIn(kTables), CaseName());
 
 TEST(RouteTablePages, GoOnBehindTheLastEntry)
 {
     SwitchBench bench;
     bench.device().setValue("routes", 201);
     EXPECT_EQ(invoke(bench).status, kOk);
-    EXPECT_THAT(
-        bench.sent(),
-        ElementsAre(
-            kCall + R"( {"flag":1,"request_kind":8,"all_routes":1,"first_page":1})",
-            kCall +
-                R"( {"flag":1,"request_kind":8,"next_address":"10.0.99.0","next_prefix_length":24,"all_routes":1,"first_page":0})",
-            kCall +
-                R"( {"flag":1,"request_kind":8,"next_address":"10.0.199.0","next_prefix_length":24,"all_routes":1,"first_page":0})"));
+    const auto asked = [](const std::string &next, int first) {
+        return kCall + R"( {"flag":1,"request_kind":8,)" +
+            (next.empty() ? "" : R"("next_address":")" + next + R"(","next_prefix_length":24,)") +
+            R"("all_routes":1,"first_page":)" + std::to_string(first) + "}";
+    };
+    EXPECT_THAT(bench.sent(), ElementsAre(asked("", 1), asked("10.0.99.0", 0), asked("10.0.199.0", 0)));
 }
 
 TEST(RouteTablePages, AFailureOnTheThirdKeepsTheTextOfTheFirstTwo)
 {
-    struct Case {
-        FaultKind kind;
-        std::string words;
-        Status status;
-        std::vector<std::string> texts;
-        std::string logged;
-    };
-    for (const Case &c : {Case{FaultKind::null, "", 4, {}, "\nResponse timedout\n"},
-                          Case{FaultKind::refuse, "Error: busy\n", 274, {"Error: busy\n"}, ""}}) {
+    for (const auto &[given, status, texts, logged] :
+         {std::tuple<switchsim::Fault, Status, Texts, std::string>{
+              noAnswer(kCall), 4, {}, "\nResponse timedout\n"},
+          {refusal(kCall, "Error: busy\n"), 274, {"Error: busy\n"}, ""}}) {
         SwitchBench bench;
         bench.device().setValue("routes", 1000);
-        auto fault = faultOf(kCall, c.kind, c.words);
+        auto fault = given;
         fault.after = 2;
         bench.device().addFault(fault);
         const LogCapture log;
         const RpcAnswer answer = invoke(bench);
-        EXPECT_EQ(answer.status, c.status);
-        EXPECT_EQ(answer.texts, c.texts);
-        EXPECT_THAT(log.errors(), HasSubstr(c.logged));
+        EXPECT_EQ(answer.status, status);
+        EXPECT_EQ(answer.texts, texts);
+        EXPECT_THAT(log.errors(), HasSubstr(logged));
         ASSERT_THAT(answer.output, SizeIs(1));
         EXPECT_THAT(answer.output[0], HasSubstr("\n200     10.0.199.0/24 "));
-        EXPECT_THAT(answer.output[0], testing::Not(HasSubstr("\n201 ")));
+        EXPECT_THAT(answer.output[0], Not(HasSubstr("\n201 ")));
         EXPECT_THAT(bench.sent(), SizeIs(3));
+        strike(bench, noAnswer(kCall));
+        EXPECT_EQ(invoke(bench), RpcAnswer{4}); // on the first it leaves no text
     }
-}
-
-TEST(RouteTablePages, AFailureOnTheFirstLeavesNoText)
-{
-    SwitchBench bench;
-    bench.device().addFault(faultOf(kCall, FaultKind::null));
-    const RpcAnswer answer = invoke(bench);
-    EXPECT_EQ(answer.status, 4);
-    EXPECT_THAT(answer.output, IsEmpty());
 }
 
 TEST(RouteTablePages, ADaemonThatStaysWhereItIsIsNotAskedForever)
 {
     SwitchBench bench;
-    Page page(5);
-    page.answer.more = IP_ROUTE_MORE;
+    Page page(5), empty(5);
+    page.answer.more = empty.answer.more = IP_ROUTE_MORE;
     page.entry(0x0a000000, 24).path(0, "ve 1", 0, 0, 1, 0, 0);
     const auto transport = std::make_shared<backend::ScriptedTransport>();
-    transport->answer = backend::envelopeAround(backend::packed((*page)->base));
     const backend::UseTransport use(transport);
+    transport->answer = backend::envelopeAround(backend::packed((*page)->base));
     EXPECT_EQ(invoke(bench).status, kOk);
     EXPECT_THAT(transport->requests, SizeIs(2));
-
-    Page empty(5);
-    empty.answer.more = IP_ROUTE_MORE;
     transport->answer = backend::envelopeAround(backend::packed((*empty)->base));
     EXPECT_EQ(invoke(bench).status, kOk);
     EXPECT_THAT(transport->requests, SizeIs(3));
 }
 
-TEST(RouteTablePages, NothingStaysBehindBetweenTwoCalls)
+TEST(RouteInput, IsRefused)
 {
     SwitchBench bench;
-    const RpcAnswer before = invoke(bench);
-    ASSERT_EQ(before.status, kOk);
-    EXPECT_EQ(invoke(bench).output, before.output);
+    for (const auto &[input, answer] :
+         {std::pair<MaybeText, RpcAnswer>{std::nullopt, {274}},
+          {"{}", {269, {"Invalid Json for route-table parsed"}}},
+          {R"({"route-table":{}})", {263, {"IP route with ALL option is only supported currently"}}}}) {
+        EXPECT_EQ(invoke(bench, input), answer);
+        EXPECT_THAT(bench.sent(), SizeIs(0));
+        // What is in it is not looked at before.
+        EXPECT_EQ(callRpc(bench, u_lyn_openconfig_iproute_iproute_validate, kModule, "iproute", input).status,
+                  input ? 0 : 274);
+    }
 }
-
-struct Input {
-    std::string name;
-    std::optional<std::string> input;
-    Status status;
-    std::vector<std::string> texts;
-};
-void PrintTo(const Input &c, std::ostream *out)
-{
-    *out << c.name;
-}
-class RouteInput : public testing::TestWithParam<Input> { };
-TEST_P(RouteInput, IsRefused)
-{
-    const Input &c = GetParam();
-    SwitchBench bench;
-    const RpcAnswer answer = invoke(bench, c.input);
-    EXPECT_EQ(answer.status, c.status);
-    EXPECT_EQ(answer.texts, c.texts);
-    EXPECT_THAT(answer.output, IsEmpty());
-    EXPECT_THAT(bench.sent(), IsEmpty());
-    const auto validated =
-        callRpc(bench, u_lyn_openconfig_iproute_iproute_validate, kModule, "iproute", c.input);
-    EXPECT_EQ(validated.status, c.input ? 0 : 274); // what is in it is not looked at
-}
-const Input kInputs[] = {
-    {"no_input", std::nullopt, 274, {}},
-    {"no_table", "{}", 269, {"Invalid Json for route-table parsed"}},
-    {"not_all", R"({"route-table":{}})", 263, {"IP route with ALL option is only supported currently"}},
-};
-INSTANTIATE_TEST_SUITE_P(Table, RouteInput, testing::ValuesIn(kInputs), CaseName());
 
 } // namespace
 } // namespace test

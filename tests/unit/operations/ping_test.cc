@@ -6,32 +6,23 @@
 #include "traceroute/u_lyn-openconfig-traceroute.h"
 
 #include "tests/unit/backend/scripted_transport.h"
-#include "tests/unit/bundle/log_capture.h"
-#include "tests/unit/interfaces/cells.h"
-#include "tests/unit/operations/rpc_call.h"
+#include "tests/unit/bundle/callback_test.h"
+#include "tests/unit/bundle/rpc_call.h"
 
 namespace test {
 namespace {
-
-using namespace tk;
-using switchsim::FaultKind;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 // One of the two commands.
 struct Twin {
     const char *rpc;
     RpcCallback validate, invoke;
-    const char *call;
+    std::string call;
 
-    std::string module() const { return std::string("lyn-openconfig-") + rpc; }
-    std::string sent(const std::string &fields) const { return std::string(call) + " {" + fields + "}"; }
-    RpcAnswer run(HostBench &bench, const std::optional<std::string> &input) const
+    std::string sent(const std::string &fields) const { return call + " {" + fields + "}"; }
+    RpcAnswer run(HostBench &bench, const MaybeText &input, bool validates = false) const
     {
-        return callRpc(bench, invoke, module(), rpc, input);
+        return callRpc(bench, validates ? validate : invoke, std::string("lyn-openconfig-") + rpc, rpc,
+                       input);
     }
 };
 const Twin kPing{"ping", u_lyn_openconfig_ping_ping_validate, u_lyn_openconfig_ping_ping_invoke,
@@ -39,222 +30,143 @@ const Twin kPing{"ping", u_lyn_openconfig_ping_ping_validate, u_lyn_openconfig_p
 const Twin kTrace{"traceroute", u_lyn_openconfig_traceroute_traceroute_validate,
                   u_lyn_openconfig_traceroute_traceroute_invoke, "ui_execute_trace_route"};
 
-std::string query(const char *name, int family)
+const std::string kAddress = R"("destination":"192.0.2.7")";
+const Pattern target{R"({"target":{$}})"};
+std::string to(const std::string &destination, const std::string &family = "")
 {
-    return R"(ui_resolve_dns {"dns_kind":1,"dns_afi":)" + std::to_string(family) + R"(,"dns_hostname":")" +
-        name + "\"}";
+    return target((family.empty() ? "" : R"("afi":")" + family + "\",") + R"("destination":")" + destination +
+                  "\"");
 }
+const Pattern query{R"(ui_resolve_dns {"dns_kind":1,"dns_afi":$,"dns_hostname":"$"})"};
 
 struct Case {
-    std::string name;
-    Twin twin;
-    std::optional<std::string> target; // nothing: no target in the input
-    Status status;
-    std::vector<std::string> texts, requests;
+    std::string input;
+    Texts requests;
+    Status status = kOk;
+    Texts texts = {};
 };
-void PrintTo(const Case &c, std::ostream *out)
+void expectAll(const Twin &twin, const std::vector<Case> &cases)
 {
-    *out << c.name;
-}
-class Reaching : public testing::TestWithParam<Case> { };
-
-TEST_P(Reaching, AsksForExactlyThis)
-{
-    const Case &c = GetParam();
     SwitchBench bench;
-    const auto input = c.target ? "{\"target\":" + *c.target + "}" : "{}";
-    EXPECT_EQ(callRpc(bench, c.twin.validate, c.twin.module(), c.twin.rpc, input).status, kOk);
-    EXPECT_THAT(bench.sent(), IsEmpty());
-    const RpcAnswer answer = c.twin.run(bench, input);
-    EXPECT_EQ(answer.status, c.status);
-    EXPECT_EQ(answer.texts, c.texts);
-    EXPECT_THAT(bench.sent(), ElementsAreArray(c.requests));
-    EXPECT_THAT(answer.output, SizeIs(c.status == kOk ? 1 : 0));
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.input);
+        EXPECT_EQ(twin.run(bench, c.input, true).status, kOk);
+        EXPECT_THAT(bench.sent(), IsEmpty());
+        const RpcAnswer answer = twin.run(bench, c.input);
+        EXPECT_EQ(answer.status, c.status);
+        EXPECT_EQ(answer.texts, c.texts);
+        EXPECT_EQ(bench.sent(), c.requests);
+        EXPECT_THAT(answer.output, SizeIs(c.status == kOk ? 1 : 0));
+    }
 }
 
-const std::string kNoAfi = "Ping without afi is not supported",
+const std::string kName = "server.example.net", kNoAfi = "Ping without afi is not supported",
                   kBadName = "Destination ipv4 address or hostname is not valid";
-const Case kPings[] = {
-    {"address",
-     kPing,
-     R"({"destination":"192.0.2.7"})",
-     0,
-     {},
-     {kPing.sent(R"("ping_dest_set":1,"ping_dest_ipv4":"192.0.2.7")")}},
-    {"everything",
-     kPing,
-     R"({"afi":"IPV4","destination":"192.0.2.7","count":"2","timeout":"700","interval":"300","vrf":"blue"})",
-     0,
-     {},
-     {kPing.sent(
-         R"("ping_mask":16,"ping_dest_set":1,"ping_afi":1,"ping_dest_ipv4":"192.0.2.7","ping_count":2,"ping_timeout":700,"ping_interval":300,"ping_vrf":"blue")")}},
-    {"only_the_count_has_a_mask_bit",
-     kPing,
-     R"({"destination":"192.0.2.7","timeout":"700","interval":"300"})",
-     0,
-     {},
-     {kPing.sent(
-         R"("ping_dest_set":1,"ping_dest_ipv4":"192.0.2.7","ping_timeout":700,"ping_interval":300)")}},
-    {"the_low_half_of_a_number",
-     kPing,
-     R"({"destination":"192.0.2.7","count":"4294967298"})",
-     0,
-     {},
-     {kPing.sent(R"("ping_mask":16,"ping_dest_set":1,"ping_dest_ipv4":"192.0.2.7","ping_count":2)")}},
-    {"ipv6_address",
-     kPing,
-     R"({"afi":"IPV6","destination":"2001:db8::7"})",
-     0,
-     {},
-     {kPing.sent(R"("ping_dest_set":1,"ping_afi":2,"ping_dest_ipv6":"2001:db8::7")")}},
-    {"name",
-     kPing,
-     R"({"destination":"server.example.net"})",
-     0,
-     {},
-     {query("server.example.net", 1), kPing.sent(R"("ping_dest_set":1,"ping_dest_ipv4":"192.0.2.7")")}},
-    {"name_of_ipv6",
-     kPing,
-     R"({"afi":"IPV6","destination":"server.example.net"})",
-     0,
-     {},
-     {query("server.example.net", 2),
-      kPing.sent(R"("ping_dest_set":1,"ping_afi":2,"ping_dest_ipv6":"2001:db8::7")")}},
-    {"no_target_is_an_empty_message", kPing, std::nullopt, 4, {}, {kPing.sent("")}},
-    {"unknown_family", kPing, R"({"afi":"UNKNOWN","destination":"192.0.2.7"})", 263, {kNoAfi}, {}},
-    {"no_destination", kPing, R"({"afi":"IPV4"})", 263, {"Ping without destination is not supported"}, {}},
-    {"colon_in_a_name", kPing, R"({"destination":"a:b"})", 261, {kBadName}, {}},
-    {"blank_in_a_name", kPing, R"({"destination":"192.0.2.7 "})", 261, {kBadName}, {}},
-    {"tab_in_a_name", kPing, "{\"destination\":\"a\\tb\"}", 261, {kBadName}, {}},
-    {"unknown_name", kPing, R"({"destination":"nobody"})", 4, {}, {query("nobody", 1)}},
-    {"name_without_that_family",
-     kPing,
-     R"({"afi":"IPV6","destination":"legacy.example.net"})",
-     4,
-     {},
-     {query("legacy.example.net", 2)}},
-    {"more_requests_than_the_switch_sends",
-     kPing,
-     R"({"destination":"192.0.2.7","count":"1001"})",
-     4,
-     {},
-     {kPing.sent(R"("ping_mask":16,"ping_dest_set":1,"ping_dest_ipv4":"192.0.2.7","ping_count":1001)")}},
-};
-INSTANTIATE_TEST_SUITE_P(Ping, Reaching, testing::ValuesIn(kPings), CaseName());
 
-const Case kTraces[] = {
-    {"address",
-     kTrace,
-     R"({"destination":"192.0.2.7"})",
-     0,
-     {},
-     {kTrace.sent(R"("trace_dest_set":1,"trace_dest_ipv4":"192.0.2.7")")}},
-    {"everything",
-     kTrace,
-     R"({"afi":"IPV4","destination":"192.0.2.7","source-ip":"192.0.2.1","maxttl":"9","minttl":"2","timeout":"700","vrf":"blue"})",
-     0,
-     {},
-     {kTrace.sent(
-         R"("trace_dest_set":1,"trace_afi":1,"trace_dest_ipv4":"192.0.2.7","trace_source_ipv4":"192.0.2.1","trace_maxttl":9,"trace_minttl":2,"trace_timeout":700,"trace_vrf":"blue")")}},
-    {"a_name_is_kept",
-     kTrace,
-     R"({"destination":"server.example.net"})",
-     0,
-     {},
-     {query("server.example.net", 1),
-      kTrace.sent(
-          R"("trace_dest_set":1,"trace_dest_ipv4":"192.0.2.7","trace_hostname":"server.example.net")")}},
-    {"name_of_ipv6",
-     kTrace,
-     R"({"afi":"IPV6","destination":"gateway.example.net"})",
-     0,
-     {},
-     {query("gateway.example.net", 2),
-      kTrace.sent(
-          R"("trace_dest_set":1,"trace_afi":2,"trace_dest_ipv6":"2001:db8::1","trace_hostname":"gateway.example.net")")}},
-    {"no_target_is_an_empty_message", kTrace, std::nullopt, 4, {}, {kTrace.sent("")}},
-    {"unknown_family", kTrace, R"({"afi":"UNKNOWN","destination":"192.0.2.7"})", 263, {kNoAfi}, {}},
-    {"no_destination", kTrace, "{}", 263, {"Traceroute without valid destination is not supported"}, {}},
-    {"colon_in_a_name", kTrace, R"({"destination":"1:2"})", 261, {kBadName}, {}},
-    {"bad_source",
-     kTrace,
-     R"({"destination":"192.0.2.7","source-ip":"2001:db8::1"})",
-     261,
-     {"Source ipv4 address is not valid"},
-     {}},
-    {"unknown_name", kTrace, R"({"destination":"nobody"})", 4, {}, {query("nobody", 1)}},
-    {"hops_the_wrong_way_round",
-     kTrace,
-     R"({"destination":"192.0.2.7","maxttl":"2","minttl":"3"})",
-     4,
-     {},
-     {kTrace.sent(R"("trace_dest_set":1,"trace_dest_ipv4":"192.0.2.7","trace_maxttl":2,"trace_minttl":3)")}},
-};
-INSTANTIATE_TEST_SUITE_P(Traceroute, Reaching, testing::ValuesIn(kTraces), CaseName());
+TEST(Ping, AsksForExactlyThis)
+{
+    const std::string v4 = R"("ping_dest_set":1,"ping_dest_ipv4":"192.0.2.7")",
+                      v6 = R"("ping_dest_set":1,"ping_afi":2,"ping_dest_ipv6":"2001:db8::7")",
+                      counted = R"("ping_mask":16,)" + v4 + R"(,"ping_count":)",
+                      times = R"(,"timeout":"700","interval":"300")",
+                      timesSent = R"(,"ping_timeout":700,"ping_interval":300)";
+    expectAll(
+        kPing,
+        {
+            {target(R"("afi":"IPV4",)" + kAddress + R"(,"count":"2")" + times + R"(,"vrf":"blue")"),
+             {kPing.sent(
+                 R"("ping_mask":16,"ping_dest_set":1,"ping_afi":1,"ping_dest_ipv4":"192.0.2.7","ping_count":2)" +
+                 timesSent + R"(,"ping_vrf":"blue")")}},
+            {target(kAddress + times), {kPing.sent(v4 + timesSent)}}, // only the count has a mask bit
+            // The low half of a number, and more than the switch sends.
+            {target(kAddress + R"(,"count":"4294967298")"), {kPing.sent(counted + "2")}},
+            {target(kAddress + R"(,"count":"1001")"), {kPing.sent(counted + "1001")}, 4},
+            {to("2001:db8::7", "IPV6"), {kPing.sent(v6)}},
+            {to(kName), {query(1, kName), kPing.sent(v4)}},
+            {to(kName, "IPV6"), {query(2, kName), kPing.sent(v6)}},
+            {"{}", {kPing.sent("")}, 4}, // without a target the message is empty
+            {to("192.0.2.7", "UNKNOWN"), {}, 263, {kNoAfi}},
+            {target(R"("afi":"IPV4")"), {}, 263, {"Ping without destination is not supported"}},
+            {to("a:b"), {}, 261, {kBadName}},
+            {to("nobody"), {query(1, "nobody")}, 4},
+            {to("legacy.example.net", "IPV6"), {query(2, "legacy.example.net")}, 4},
+        });
+}
+
+TEST(Traceroute, AsksForExactlyThis)
+{
+    const std::string v4 = R"("trace_dest_set":1,"trace_dest_ipv4":"192.0.2.7")";
+    expectAll(
+        kTrace,
+        {
+            {target(R"("afi":"IPV4",)" + kAddress +
+                    R"(,"source-ip":"192.0.2.1","maxttl":"9","minttl":"2","timeout":"700","vrf":"blue")"),
+             {kTrace.sent(R"("trace_dest_set":1,"trace_afi":1,"trace_dest_ipv4":"192.0.2.7",)"
+                          R"("trace_source_ipv4":"192.0.2.1","trace_maxttl":9,"trace_minttl":2,)"
+                          R"("trace_timeout":700,"trace_vrf":"blue")")}},
+            {to(kName), {query(1, kName), kTrace.sent(v4 + R"(,"trace_hostname":")" + kName + "\"")}},
+            {to("gateway.example.net", "IPV6"),
+             {query(2, "gateway.example.net"),
+              kTrace.sent(R"("trace_dest_set":1,"trace_afi":2,"trace_dest_ipv6":"2001:db8::1",)"
+                          R"("trace_hostname":"gateway.example.net")")}},
+            {"{}", {kTrace.sent("")}, 4},
+            {to("192.0.2.7", "UNKNOWN"), {}, 263, {kNoAfi}},
+            {target(""), {}, 263, {"Traceroute without valid destination is not supported"}},
+            {to("1:2"), {}, 261, {kBadName}},
+            {target(kAddress + R"(,"source-ip":"2001:db8::1")"),
+             {},
+             261,
+             {"Source ipv4 address is not valid"}},
+            {to("nobody"), {query(1, "nobody")}, 4},
+            // Hops the wrong way round.
+            {target(kAddress + R"(,"maxttl":"2","minttl":"3")"),
+             {kTrace.sent(v4 + R"(,"trace_maxttl":2,"trace_minttl":3)")},
+             4},
+        });
+}
 
 class BothCommands : public testing::TestWithParam<Twin> { };
 INSTANTIATE_TEST_SUITE_P(Table, BothCommands, testing::Values(kPing, kTrace),
                          [](const auto &of) { return std::string(of.param.rpc); });
 
-TEST_P(BothCommands, NeedAnInput)
+TEST_P(BothCommands, NeedAnInputAndReturnTheWholeText)
 {
     SwitchBench bench;
     EXPECT_EQ(GetParam().run(bench, std::nullopt).status, 274);
     EXPECT_THAT(bench.sent(), IsEmpty());
-}
-
-TEST_P(BothCommands, ReturnTheWholeText)
-{
-    SwitchBench bench;
-    const auto answer = GetParam().run(bench, R"({"target":{"destination":"192.0.2.7"}})");
+    const auto answer = GetParam().run(bench, target(kAddress));
     ASSERT_THAT(answer.output, SizeIs(1));
     EXPECT_THAT(answer.output[0], HasSubstr("192.0.2.7"));
     EXPECT_THAT(answer.output[0], testing::EndsWith("\n"));
+    strike(bench, refusal(GetParam().call, std::nullopt, 0)); // nothing is printed
+    EXPECT_EQ(GetParam().run(bench, target(kAddress)), RpcAnswer{});
 }
 
 // A failure of the back end has no text for the client; the log tells what it was.
 TEST_P(BothCommands, TellFailuresToTheLogOnly)
 {
     const Twin &twin = GetParam();
-    const std::string word = twin.rpc == std::string("ping") ? "Ping" : "Traceroute";
-    struct Failure {
-        std::string call;
-        FaultKind kind;
-        std::string words, logged;
-    };
-    for (const Failure &c :
-         {Failure{"ui_resolve_dns", FaultKind::null, "",
-                  word + " Failed DNS: DNS query timed out...failed to resolve\n"},
-          Failure{"ui_resolve_dns", FaultKind::refuse, "it is gone", word + " Failed it is gone\n"},
-          Failure{"ui_resolve_dns", FaultKind::refuse, "", ""}, Failure{twin.call, FaultKind::null, "", ""},
-          Failure{twin.call, FaultKind::refuse, "no route", "Error: no route\n"}}) {
-        SwitchBench bench;
-        bench.device().addFault(faultOf(c.call, c.kind, c.words));
-        const LogCapture log(8);
-        const RpcAnswer answer = twin.run(bench, R"({"target":{"destination":"server.example.net"}})");
-        EXPECT_EQ(answer.status, 4);
-        EXPECT_THAT(answer.texts, IsEmpty());
-        EXPECT_THAT(answer.output, IsEmpty());
-        EXPECT_THAT(log.errors() + log.debug(), HasSubstr(c.logged));
-    }
-}
-
-TEST_P(BothCommands, ThatPrintNothingAnswerWithNothing)
-{
+    const std::string word = twin.rpc == std::string("ping") ? "Ping" : "Traceroute",
+                      dnsCall = "ui_resolve_dns";
     SwitchBench bench;
-    auto fault = faultOf(GetParam().call, FaultKind::refuse);
-    fault.uiErr = 0;
-    bench.device().addFault(fault);
-    const RpcAnswer answer = GetParam().run(bench, R"({"target":{"destination":"192.0.2.7"}})");
-    EXPECT_EQ(answer.status, kOk);
-    EXPECT_THAT(answer.output, IsEmpty());
+    for (const auto &[fault, logged] :
+         {std::pair{noAnswer(dnsCall), word + " Failed DNS: DNS query timed out...failed to resolve\n"},
+          {refusal(dnsCall, "it is gone"), word + " Failed it is gone\n"},
+          {refusal(dnsCall), ""},
+          {noAnswer(twin.call), ""},
+          {refusal(twin.call, "no route"), "Error: no route\n"}}) {
+        strike(bench, fault);
+        const LogCapture log(8);
+        EXPECT_EQ(twin.run(bench, to(kName)), RpcAnswer{4});
+        EXPECT_THAT(log.errors() + log.debug(), HasSubstr(logged));
+    }
 }
 
 // Not sixteen bytes: no address.
 TEST_P(BothCommands, MeasureTheAddressOfAResolver)
 {
     SwitchBench bench;
-    for (const std::size_t length : {0, 4, 15, 17}) {
+    for (const std::size_t length : {4, 15, 17}) {
         std::vector<std::uint8_t> bytes(length, 1);
         DnsResolveResp made = DNS_RESOLVE_RESP__INIT;
         made.has_dns_ipv6 = 1;
@@ -262,8 +174,7 @@ TEST_P(BothCommands, MeasureTheAddressOfAResolver)
         const auto transport = std::make_shared<backend::ScriptedTransport>();
         transport->answer = backend::envelopeAround(backend::packed(made.base));
         const backend::UseTransport use(transport);
-        const auto answer = GetParam().run(bench, R"({"target":{"afi":"IPV6","destination":"host"}})");
-        EXPECT_EQ(answer.status, 4) << length;
+        EXPECT_EQ(GetParam().run(bench, to("host", "IPV6")).status, 4) << length;
         EXPECT_THAT(transport->requests, SizeIs(1)) << length;
     }
 }
@@ -272,31 +183,30 @@ TEST_P(BothCommands, MeasureTheAddressOfAResolver)
 TEST_P(BothCommands, ReachLoopback)
 {
     SwitchBench bench;
-    for (const char *target : {R"({"destination":"127.0.0.1")", R"({"afi":"IPV6","destination":"::1")"}) {
-        const std::string count = GetParam().rpc == std::string("ping") ? R"(,"count":"1")" : "";
-        const auto answer = GetParam().run(bench, std::string("{\"target\":") + target + count + "}}");
+    const std::string count = GetParam().call == kPing.call ? R"(,"count":"1")" : "";
+    for (const auto &[afi, address] :
+         {std::pair<std::string, std::string>{"IPV4", "127.0.0.1"}, {"IPV6", "::1"}}) {
+        const auto answer = GetParam().run(
+            bench, target(R"("afi":")" + afi + R"(","destination":")" + address + "\"" + count));
         EXPECT_EQ(answer.status, kOk);
         ASSERT_THAT(answer.output, SizeIs(1));
-        EXPECT_THAT(answer.output[0], HasSubstr(target[2] == 'a' ? "::1" : "127.0.0.1"));
+        EXPECT_THAT(answer.output[0], HasSubstr(address));
     }
 }
 
 TEST(PingMask, KeepsWhatWasMarkedBefore)
 {
     std::uint32_t mask = 0;
-    for (const std::uint32_t bit : {0, 4, 31})
-        set_ping_data_mask(&mask, bit);
-    EXPECT_EQ(mask, 0x80000011u);
-    for (const std::uint32_t bit : {32u, 33u, 4'294'967'295u}) // it has no such bits
+    for (const std::uint32_t bit : {0u, 4u, 31u, 32u, 33u, 4'294'967'295u}) // it has no bits above 31
         set_ping_data_mask(&mask, bit);
     EXPECT_EQ(mask, 0x80000011u);
 }
 
 TEST(HostName, HasNoColonTabOrBlank)
 {
-    for (const char *good : {"", "a", "host-1.example.net", "ä"})
+    for (const char *good : {"", "host-1.example.net", "ä"})
         EXPECT_EQ(validate_string(good), 1) << good;
-    for (const char *bad : {":", " ", "\t", "a b", "a:b", "ab "})
+    for (const char *bad : {":", " ", "\t", "ab "})
         EXPECT_EQ(validate_string(bad), 0) << bad;
 }
 

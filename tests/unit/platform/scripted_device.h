@@ -1,8 +1,8 @@
-// A switch that gives every request the same answer, and a get callback asked by hand.
+// A switch that gives every request the same answer.
 #pragma once
 
 #include "tests/unit/backend/scripted_transport.h"
-#include "tests/unit/support/switch_bench.h"
+#include "tests/unit/bundle/callback_test.h"
 
 namespace test {
 
@@ -24,20 +24,5 @@ public:
 private:
     SwitchBench &bench_;
 };
-
-// What a get callback answers: the status, and the keys that it gave.
-struct Got {
-    Status status = kOk;
-    std::vector<std::string> keys = {};
-    bool more = false;
-
-    bool operator==(const Got &) const = default;
-};
-void PrintTo(const Got &got, std::ostream *out);
-
-// Calls the get callback of a registered path for the instance at `path`, whose last list may have a key or
-// not.
-Got getByHand(SwitchBench &bench, const std::string &registeredPath, const std::string &path,
-              tk::GetMode mode);
 
 } // namespace test

@@ -1,101 +1,95 @@
 // What the stack and its units report.
 #include "stack/src/u_lyn-openconfig-stack.h"
-#include "tests/unit/bundle/callback_test.h"
 #include "tests/unit/platform/scripted_device.h"
 
 namespace test {
 namespace {
 
-using namespace tk;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 const std::string kState = "lyn-openconfig-stack:stack/state", kUnits = kState + "/stack-units/stack-unit",
                   kStatePath = "/lyn-oc-stack:stack/lyn-oc-stack:state",
                   kUnitsPath = kStatePath + "/lyn-oc-stack:stack-units/lyn-oc-stack:stack-unit",
-                  kShown = R"(ui_fe_stack_show_cmd {"show_stack":10,"show_op":21})";
+                  kUnitState = kUnitsPath + "/lyn-oc-stack:state", kShowCall = "ui_fe_stack_show_cmd",
+                  kShown = kShowCall + R"( {"show_stack":10,"show_op":21})";
 
 std::string leaf(const std::string &name, const std::string &value)
 {
-    return "{\"lyn-openconfig-stack:" + name + "\":" + value + "}";
+    return value.empty() ? "" : "{\"lyn-openconfig-stack:" + name + "\":" + value + "}";
+}
+std::string readLeaf(SwitchBench &bench, const std::string &name)
+{
+    return bench.read(kState + "/" + name, Content::all);
+}
+void configure(SwitchBench &bench, const std::string &config)
+{
+    bench.patch("lyn-openconfig-stack:stack/config", R"({"lyn-openconfig-stack:config":)" + config + "}");
 }
 
 TEST(StackState, IsReadWithOneRequest)
 {
     SwitchBench bench;
-    EXPECT_EQ(bench.read(kState + "/enabled", Content::all), leaf("enabled", "false"));
+    EXPECT_EQ(readLeaf(bench, "mac-address"), leaf("mac-address", R"("---")"));
     EXPECT_THAT(bench.sent(), ElementsAre(R"(ui_stack_fe_get_all_apply {"get_all_op":1})"));
-    EXPECT_EQ(bench.read(kState + "/mac-address", Content::all), leaf("mac-address", R"("---")"));
-    EXPECT_EQ(bench.read(kState + "/suggested-id", Content::all), "");
-    EXPECT_EQ(bench.read(kState + "/rear-module", Content::all), leaf("rear-module", R"("other")"));
-    bench.patch(
-        "lyn-openconfig-stack:stack/config",
-        R"({"lyn-openconfig-stack:config":{"enabled":true,"mac-address":"AABB.CCDD.EEFF","suggested-id":12,)"
-        R"("zero-touch-enable":true,"ztp-force":true}})");
+    configure(
+        bench,
+        R"({"enabled":true,"mac-address":"AABB.CCDD.EEFF","suggested-id":12,"zero-touch-enable":true})");
     for (const auto &[name, value] : {std::pair{"enabled", "true"},
                                       {"mac-address", R"("aabb.ccdd.eeff")"},
                                       {"suggested-id", "12"},
                                       {"zero-touch-enable", "true"},
-                                      {"ztp-force", "true"}})
-        EXPECT_EQ(bench.read(kState + "/" + name, Content::all), leaf(name, value));
+                                      {"ztp-force", "false"}})
+        EXPECT_EQ(readLeaf(bench, name), leaf(name, value));
 }
 
-struct Record {
-    std::string name;
-    void (*fill)(Stack__GlobalRecord &record);
-    std::string leafName, value; // empty: it is not shown
-};
-class StackRecord : public testing::TestWithParam<Record> { };
-
-TEST_P(StackRecord, IsShownThus)
+TEST(StackState, IsShownThus)
 {
+    using Global = Stack__GlobalRecord;
+    struct Case {
+        void (*fill)(Global &record);
+        std::string leafName, value; // empty: it is not shown
+    };
     SwitchBench bench("", 3);
-    // The platform is asked of the same switch.
-    char rear[] = "rear-module uplink-40g";
-    std::uint8_t mac[] = {0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
-    CommonResp reply = COMMON_RESP__INIT;
-    Stack__GlobalRecord record;
-    stack__global_record__init(&record);
-    record.rear_module = rear;
-    record.has_mac_bytes = record.has_mac_len = 1;
-    record.mac_bytes = {sizeof mac, mac};
-    record.mac_len = sizeof mac;
-    record.has_suggested_id = record.has_stack_enabled = record.has_ztp_enabled = record.has_ztp_force = 1;
-    GetParam().fill(record);
-    Stack__GetAllResp answer;
-    stack__get_all_resp__init(&answer);
-    answer.reply = &reply;
-    answer.global = &record;
-    const Says says(bench, answer);
-    EXPECT_EQ(bench.read(kState + "/" + GetParam().leafName, Content::all),
-              GetParam().value.empty() ? "" : leaf(GetParam().leafName, GetParam().value));
+    for (const auto &[fill, name, value] :
+         {Case{[](Global &record) { record.stack_enabled = 2; }, "enabled", "false"},
+          {[](Global &record) { record.ztp_enabled = -2; }, "zero-touch-enable", "true"},
+          {[](Global &record) { record.ztp_force = 2; }, "ztp-force", "true"},
+          {[](Global &record) { record.suggested_id = 0; }, "suggested-id", ""},
+          {[](Global &record) { record.suggested_id = 1; }, "suggested-id", "1"},
+          {[](Global &record) { record.suggested_id = 12; }, "suggested-id", "12"},
+          {[](Global &record) { record.suggested_id = 13; }, "suggested-id", ""},
+          {[](Global &record) { record.suggested_id = -1; }, "suggested-id", ""},
+          {[](Global &record) { record.mac_len = 0; }, "mac-address", R"("---")"},
+          {[](Global &record) { record.mac_len = 100, record.mac_bytes.len = 4; }, "mac-address",
+           R"("aabb.ccdd")"}}) {
+        // The platform is asked of the same switch.
+        char rear[] = "rear-module uplink-40g";
+        std::uint8_t mac[] = {0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
+        CommonResp reply = COMMON_RESP__INIT;
+        Global record;
+        stack__global_record__init(&record);
+        record.rear_module = rear;
+        record.has_mac_bytes = record.has_mac_len = 1;
+        record.mac_bytes = {sizeof mac, mac};
+        record.mac_len = sizeof mac;
+        record.has_suggested_id = record.has_stack_enabled = record.has_ztp_enabled = record.has_ztp_force =
+            1;
+        fill(record);
+        Stack__GetAllResp answer;
+        stack__get_all_resp__init(&answer);
+        answer.reply = &reply;
+        answer.global = &record;
+        const Says says(bench, answer);
+        EXPECT_EQ(readLeaf(bench, name), leaf(name, value));
+    }
 }
-using Global = Stack__GlobalRecord;
-const Record kRecords[] = {
-    {"enabled_is_exactly_1", [](Global &record) { record.stack_enabled = 2; }, "enabled", "false"},
-    {"ztp_is_anything_but_0", [](Global &record) { record.ztp_enabled = -2; }, "zero-touch-enable", "true"},
-    {"forced_is_anything_but_0", [](Global &record) { record.ztp_force = 2; }, "ztp-force", "true"},
-    {"id_0", [](Global &record) { record.suggested_id = 0; }, "suggested-id", ""},
-    {"id_1", [](Global &record) { record.suggested_id = 1; }, "suggested-id", "1"},
-    {"id_12", [](Global &record) { record.suggested_id = 12; }, "suggested-id", "12"},
-    {"id_13", [](Global &record) { record.suggested_id = 13; }, "suggested-id", ""},
-    {"id_negative", [](Global &record) { record.suggested_id = -1; }, "suggested-id", ""},
-    {"mac_length_0", [](Global &record) { record.mac_len = 0; }, "mac-address", R"("---")"},
-    {"mac_shorter_than_told", [](Global &record) { record.mac_len = 100, record.mac_bytes.len = 4; },
-     "mac-address", R"("aabb.ccdd")"},
-};
-INSTANTIATE_TEST_SUITE_P(Table, StackRecord, testing::ValuesIn(kRecords), CaseName());
 
 TEST(StackState, RearModuleIsToldByOnePlatformFromTheWordStackOn)
 {
     SwitchBench bench("", 3);
-    const auto read = [&] { return bench.read(kState + "/rear-module", Content::all); };
-    EXPECT_EQ(read(), leaf("rear-module", R"("stack-40g")"));
-    bench.patch("lyn-openconfig-stack:stack/config",
-                R"({"lyn-openconfig-stack:config":{"rear-module":"uplink-100g"}})");
-    EXPECT_EQ(read(), leaf("rear-module", R"("rear-module uplink-100g")"));
+    EXPECT_EQ(readLeaf(bench, "rear-module"), leaf("rear-module", R"("stack-40g")"));
+    configure(bench, R"({"rear-module":"uplink-100g"})");
+    EXPECT_EQ(readLeaf(bench, "rear-module"), leaf("rear-module", R"("rear-module uplink-100g")"));
     bench.device().setValue("platform-type", 4);
-    EXPECT_EQ(read(), leaf("rear-module", R"("other")"));
+    EXPECT_EQ(readLeaf(bench, "rear-module"), leaf("rear-module", R"("other")"));
 }
 
 TEST(StackState, WithoutAGoodAnswerThereIsNone)
@@ -103,55 +97,43 @@ TEST(StackState, WithoutAGoodAnswerThereIsNone)
     SwitchBench bench;
     const std::string call = "ui_stack_fe_get_all_apply";
     for (const auto &fault : {noAnswer(call), refusal(call, "no", 0, 1), refusal(call, "no", 1, 0)}) {
-        bench.device().clearFaults();
-        bench.device().addFault(fault);
+        strike(bench, fault);
         EXPECT_EQ(getByHand(bench, kStatePath, kState, getValue), Got{1009});
     }
-    bench.device().clearFaults();
     Stack__GetAllResp empty;
     stack__get_all_resp__init(&empty);
     const Says says(bench, empty);
     EXPECT_EQ(getByHand(bench, kStatePath, kState, getValue), Got{1009});
 }
 
-struct Walk {
-    std::string name;
-    std::string key; // "=2", or nothing
-    GetMode mode;
-    Got got;
-};
-class StackUnitWalk : public testing::TestWithParam<Walk> { };
-
-TEST_P(StackUnitWalk, FindsThisUnit)
+TEST(StackUnits, AreWalked)
 {
+    struct Case {
+        std::string key; // "=2", or nothing
+        GetMode mode;
+        Got got;
+    };
     SwitchBench bench;
-    EXPECT_EQ(getByHand(bench, kUnitsPath, kUnits + GetParam().key, GetParam().mode), GetParam().got);
-    EXPECT_THAT(bench.sent(), ElementsAre(kShown));
-}
-const Walk kWalks[] = {
-    {"the_first_one", "", getValue, {0, {"1"}, true}},
-    {"the_first_one_by_next", "", getNext, {0, {"1"}, true}},
-    {"one_by_its_key", "=2", getValue, {0, {"2"}, true}},
-    {"the_last_one_by_its_key", "=3", getValue, {0, {"3"}, false}},
-    {"the_next_one", "=1", getNext, {0, {"2"}, true}},
-    {"the_next_to_last_one", "=2", getNext, {0, {"3"}, false}},
-    {"none_behind_the_last", "=3", getNext, {1009}},
-    {"the_empty_slot", "=0", getValue, {1009}},
-    {"the_next_behind_the_empty_slot", "=0", getNext, {0, {"1"}, true}},
-    {"none_that_is_not_there", "=4", getValue, {1009}},
-};
-INSTANTIATE_TEST_SUITE_P(Table, StackUnitWalk, testing::ValuesIn(kWalks), CaseName());
-
-TEST(StackUnits, AreNoneWithoutAGoodAnswer)
-{
-    SwitchBench bench;
-    for (const auto &fault : {noAnswer("ui_fe_stack_show_cmd"), refusal("ui_fe_stack_show_cmd", "no")}) {
-        bench.device().clearFaults();
-        bench.device().addFault(fault);
+    for (const Case &c : {Case{"", getValue, {0, {"1"}, true}},
+                          {"", getNext, {0, {"1"}, true}},
+                          {"=2", getValue, {0, {"2"}, true}},
+                          {"=3", getValue, {0, {"3"}, false}},
+                          {"=1", getNext, {0, {"2"}, true}},
+                          {"=2", getNext, {0, {"3"}, false}},
+                          {"=3", getNext, {1009}},
+                          {"=0", getValue, {1009}}, // the empty slot
+                          {"=0", getNext, {0, {"1"}, true}},
+                          {"=4", getValue, {1009}}}) {
+        bench.sent();
+        EXPECT_EQ(getByHand(bench, kUnitsPath, kUnits + c.key, c.mode), c.got) << c.key << " " << c.mode;
+        EXPECT_THAT(bench.sent(), ElementsAre(kShown));
+    }
+    for (const auto &fault : {noAnswer(kShowCall), refusal(kShowCall, "no")}) {
+        strike(bench, fault);
         EXPECT_EQ(getByHand(bench, kUnitsPath, kUnits, getValue), Got{1009});
+        EXPECT_EQ(getByHand(bench, kUnitState, kUnits + "=1/state", getValue), Got{1009});
         EXPECT_EQ(bench.read(kUnits, Content::all), "");
     }
-    EXPECT_EQ(getByHand(bench, kUnitsPath, kUnits, static_cast<GetMode>(5)), Got{4});
 }
 
 TEST(StackUnits, AreListedAndReadByKey)
@@ -190,42 +172,30 @@ TEST(StackUnit, ThatStandsBeyondTheCountOfEntriesIsHidden)
     answer.n_units = 2;
     answer.units = entries;
     const Says says(bench, answer);
-    const std::string path = kUnitsPath + "/lyn-oc-stack:state";
-    EXPECT_EQ(getByHand(bench, path, kUnits + "=1/state", getValue), Got{kOk});
-    EXPECT_EQ(getByHand(bench, path, kUnits + "=2/state", getValue), Got{1009});
+    EXPECT_EQ(getByHand(bench, kUnitState, kUnits + "=1/state", getValue), Got{kOk});
+    EXPECT_EQ(getByHand(bench, kUnitState, kUnits + "=2/state", getValue), Got{1009});
     EXPECT_EQ(getByHand(bench, kUnitsPath, kUnits + "=2", getValue), (Got{kOk, {"2"}}));
-}
-
-TEST(StackUnit, NeedsAKeyAboveZero)
-{
-    SwitchBench bench;
-    const std::string path = kUnitsPath + "/lyn-oc-stack:state";
-    EXPECT_EQ(u_lyn_oc_stack_state_1_get(nullptr, nullptr), 1006);
-    EXPECT_EQ(getByHand(bench, path, kUnits + "=0/state", getValue), Got{4});
-    EXPECT_EQ(getByHand(bench, path, kUnits + "=1/state", getNext), Got{1009});
-    EXPECT_THAT(bench.sent(), IsEmpty());
-    bench.device().addFault(noAnswer("ui_fe_stack_show_cmd"));
-    EXPECT_EQ(getByHand(bench, path, kUnits + "=1/state", getValue), Got{1009});
 }
 
 TEST(StackContainers, WithoutContentAnswerOnly)
 {
     SwitchBench bench;
-    const std::string state = kUnits + "=1/state", path = kUnitsPath + "/lyn-oc-stack:state";
+    const std::string state = kUnits + "=1/state", ports = "/lyn-oc-stack:stack-ports";
     struct Case {
         std::string registered, path;
-        Status got, next;
+        Status got;
     };
-    for (const Case &c :
-         {Case{kStatePath + "/lyn-oc-stack:stack-units", kState + "/stack-units", 0, 1009},
-          {path + "/lyn-oc-stack:trunks", state + "/trunks", 0, 1009},
-          {path + "/lyn-oc-stack:stack-ports", state + "/stack-ports", 0, 1009},
-          {path + "/lyn-oc-stack:stack-ports/lyn-oc-stack:ports", state + "/stack-ports/ports", 0, 1009},
-          {path + "/lyn-oc-stack:stack-ports/lyn-oc-stack:ports/lyn-oc-stack:port",
-           state + "/stack-ports/ports/port=1", 1009, 1009}}) {
+    for (const Case &c : {Case{kStatePath + "/lyn-oc-stack:stack-units", kState + "/stack-units", 0},
+                          {kUnitState + ports + "/lyn-oc-stack:ports", state + "/stack-ports/ports", 0},
+                          {kUnitState + ports + "/lyn-oc-stack:ports/lyn-oc-stack:port",
+                           state + "/stack-ports/ports/port=1", 1009}}) {
         EXPECT_EQ(getByHand(bench, c.registered, c.path, getValue), Got{c.got}) << c.path;
-        EXPECT_EQ(getByHand(bench, c.registered, c.path, getNext), Got{c.next}) << c.path;
+        EXPECT_EQ(getByHand(bench, c.registered, c.path, getNext), Got{1009}) << c.path;
     }
+    // A unit needs a key above zero.
+    EXPECT_EQ(u_lyn_oc_stack_state_1_get(nullptr, nullptr), 1006);
+    EXPECT_EQ(getByHand(bench, kUnitState, kUnits + "=0/state", getValue), Got{4});
+    EXPECT_EQ(getByHand(bench, kUnitState, kUnits + "=1/state", getNext), Got{1009});
     EXPECT_THAT(bench.sent(), IsEmpty());
 }
 

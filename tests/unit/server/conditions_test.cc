@@ -17,37 +17,35 @@ const tk::Stamp kStamp{"v7", kChanged + std::chrono::milliseconds(500)};
 constexpr std::string_view before = "Sun, 06 Nov 1994 08:49:36 GMT", same = "Sun, 06 Nov 1994 08:49:37 GMT",
                            after = "Sun, 06 Nov 1994 08:49:38 GMT";
 
+const auto match = [](Header tags) { return ConditionHeaders{tags, {}, {}, {}}; };
+const auto noneMatch = [](Header tags, Header since = {}) { return ConditionHeaders{{}, tags, since, {}}; };
+const auto unmodified = [](Header date, Header tags = {}) { return ConditionHeaders{tags, {}, {}, date}; };
+
 TEST(EditCondition, LetsOnlyTheVersionThatTheClientKnowsBeChanged)
 {
-    struct Case {
-        const char *name;
+    const struct {
         ConditionHeaders headers;
         bool exists;
         unsigned status;
+    } cases[] = {
+        {{}, false, 0},
+        {match("\"v7\""), true, 0},
+        {match("\"v7.8a\""), true, 0}, // with the digest of a read
+        {match("\"v1\" , \"v7\""), true, 0},
+        {match("\"v6\""), true, 412},
+        {match("W/\"v7\""), true, 412}, // weak tags never match
+        {match("*"), true, 0},
+        {match("*"), false, 412},
+        {noneMatch("*"), true, 412},
+        {noneMatch("*"), false, 0},
+        {noneMatch("\"v7\""), true, 412},
+        {unmodified(before), true, 412},
+        {unmodified(before, "\"v7\""), true, 0}, // a tag overrides a date
+        {unmodified("yesterday"), true, 0},      // a bad date is ignored
+        {noneMatch({}, after), true, 0},         // for reads
     };
-    const Case cases[] = {
-        {"none", {}, false, 0},
-        {"match", {"\"v7\"", {}, {}, {}}, true, 0},
-        {"match with the digest of a read", {"\"v7.8a\"", {}, {}, {}}, true, 0},
-        {"match one of several", {"\"v1\" , \"v7\"", {}, {}, {}}, true, 0},
-        {"match of a former version", {"\"v6\"", {}, {}, {}}, true, 412},
-        {"match of a longer tag", {"\"v77\"", {}, {}, {}}, true, 412},
-        {"weak tags never match", {"W/\"v7\"", {}, {}, {}}, true, 412},
-        {"any, exists", {"*", {}, {}, {}}, true, 0},
-        {"any, does not exist", {"*", {}, {}, {}}, false, 412},
-        {"create only, exists", {{}, "*", {}, {}}, true, 412},
-        {"create only, does not exist", {{}, "*", {}, {}}, false, 0},
-        {"none match", {{}, "\"v7\"", {}, {}}, true, 412},
-        {"none match of a former version", {{}, "\"v6\"", {}, {}}, true, 0},
-        {"unmodified since before", {{}, {}, {}, before}, true, 412},
-        {"unmodified since then", {{}, {}, {}, same}, true, 0},
-        {"unmodified since after", {{}, {}, {}, after}, true, 0},
-        {"a tag overrides a date", {"\"v7\"", {}, {}, before}, true, 0},
-        {"a bad date is ignored", {{}, {}, {}, "yesterday"}, true, 0},
-        {"modified since is for reads", {{}, {}, after, {}}, true, 0},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto &c : cases) {
+        SCOPED_TRACE(&c - cases);
         const Conditions conditions = parseConditions(c.headers);
         EXPECT_EQ(statusOf([&] { checkEdit(conditions, kStamp, c.exists); }), c.status);
     }
@@ -55,29 +53,27 @@ TEST(EditCondition, LetsOnlyTheVersionThatTheClientKnowsBeChanged)
 
 TEST(ReadCondition, AnswersNotModifiedOnlyForWhatTheClientHas)
 {
-    struct Case {
-        const char *name;
+    const struct {
         ConditionHeaders headers;
-        bool mayHoldState;
         unsigned status; // 200, 304 or 412
+        bool mayHoldState = false;
+    } cases[] = {
+        {{}, 200},
+        {noneMatch("\"v7.1\""), 304},
+        {noneMatch("W/\"v7.1\""), 304},
+        {noneMatch("*"), 304},
+        {noneMatch("\"v7.2\""), 200, true}, // another answer of this version
+        {noneMatch("\"v6.1\""), 200},
+        {noneMatch({}, same), 304},
+        {noneMatch({}, before), 200},
+        {noneMatch({}, same), 200, true}, // state has no date
+        {noneMatch("\"v6\"", same), 200}, // a tag overrides a date
+        {match("\"v7\""), 200},
+        {match("\"v6\""), 412},
+        {unmodified(before), 412},
     };
-    const Case cases[] = {
-        {"none", {}, false, 200},
-        {"has it", {{}, "\"v7.1\"", {}, {}}, false, 304},
-        {"weak comparison", {{}, "W/\"v7.1\"", {}, {}}, false, 304},
-        {"any", {{}, "*", {}, {}}, false, 304},
-        {"has another answer of this version", {{}, "\"v7.2\"", {}, {}}, true, 200},
-        {"has a former version", {{}, "\"v6.1\"", {}, {}}, false, 200},
-        {"modified before", {{}, {}, same, {}}, false, 304},
-        {"modified since", {{}, {}, before, {}}, false, 200},
-        {"state has no date", {{}, {}, same, {}}, true, 200},
-        {"a tag overrides a date", {{}, "\"v6\"", same, {}}, false, 200},
-        {"match", {"\"v7\"", {}, {}, {}}, false, 200},
-        {"match of a former version", {"\"v6\"", {}, {}, {}}, false, 412},
-        {"unmodified since before", {{}, {}, {}, before}, false, 412},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto &c : cases) {
+        SCOPED_TRACE(&c - cases);
         const Conditions conditions = parseConditions(c.headers);
         bool isOld = false;
         const unsigned refusal = statusOf([&] {
@@ -103,10 +99,8 @@ TEST(EntityTag, TellsAnswersOfOneVersionApart)
 TEST(EntityTag, IsRefusedIfMalformed)
 {
     for (const char *tags :
-         {"", "v7", "\"v7", "v7\"", "\"a\" \"b\"", "\"a\",", "\"a\",*", "w/\"a\"", "\"a\x01\""}) {
-        SCOPED_TRACE(tags);
-        EXPECT_EQ(statusOf([&] { parseConditions({tags, {}, {}, {}}); }), 400U);
-    }
+         {"", "v7", "\"v7", "v7\"", "\"a\" \"b\"", "\"a\",", "\"a\",*", "w/\"a\"", "\"a\x01\""})
+        EXPECT_EQ(statusOf([&] { parseConditions(match(tags)); }), 400U) << tags;
 }
 
 TEST(HttpDate, IsWrittenAndReadBack)
@@ -123,10 +117,8 @@ TEST(HttpDate, IsNotReadOtherwise)
     for (const char *date :
          {"", "Sunday, 06-Nov-94 08:49:37 GMT", "Sun Nov  6 08:49:37 1994", "Sun, 06 Nov 1994 08:49:37 CET",
           "Sun, 31 Feb 1994 08:49:37 GMT", "Sun, 06 Nox 1994 08:49:37 GMT", "Sun, 06 Nov 1994 24:49:37 GMT",
-          "Sun, -6 Nov 1994 08:49:37 GMT"}) {
-        SCOPED_TRACE(date);
-        EXPECT_FALSE(parseHttpDate(date));
-    }
+          "Sun, -6 Nov 1994 08:49:37 GMT"})
+        EXPECT_FALSE(parseHttpDate(date)) << date;
 }
 
 } // namespace

@@ -43,16 +43,20 @@ struct Answer {
     }
 };
 
+constexpr char kTop[] = "/restconf/data/toy:top";
+
 class HandlerTest : public ::testing::Test {
 protected:
     HandlerTest() { bench.told(); } // what the start told is of no interest
 
+    // Targets are those below kTop unless they begin at the root.
     std::future<Answer> begin(const std::string &method, const std::string &target,
-                              const Headers &headers = {}, const std::string &body = {})
+                              const std::string &body = {}, const Headers &headers = kJson)
     {
         HttpRequest request{{}, "admin", "127.0.0.1:4711"};
         request.message.method_string(method);
-        request.message.target(target);
+        request.message.target(target[0] == '/' || target[0] == 'h' ? target
+                                                                    : std::string(kTop) + "/" + target);
         request.message.version(11);
         request.message.set(http::field::host, "switch:8443");
         for (const auto &[name, value] : headers)
@@ -65,15 +69,23 @@ protected:
         });
         return promise->get_future();
     }
-    Answer ask(const std::string &method, const std::string &target, const Headers &headers = {},
-               const std::string &body = {})
+    Answer ask(const std::string &method, const std::string &target, const std::string &body = {},
+               const Headers &headers = kJson)
     {
-        auto answer = begin(method, target, headers, body);
+        auto answer = begin(method, target, body, headers);
         if (answer.wait_for(10s) != std::future_status::ready)
             throw std::runtime_error("no answer to " + method + " " + target);
         return answer.get();
     }
-    Answer get(const std::string &target, const Headers &headers = {}) { return ask("GET", target, headers); }
+    unsigned statusOf(const std::string &method, const std::string &target, const std::string &body = {},
+                      const Headers &headers = kJson)
+    {
+        return ask(method, target, body, headers).status;
+    }
+    Answer get(const std::string &target, const Headers &headers = {})
+    {
+        return ask("GET", target, {}, headers);
+    }
     json read(const std::string &target) { return get(target + "?content=config").document(); }
 
     ::test::ToyBench bench{kStartup};
@@ -83,138 +95,96 @@ protected:
     Handler handler{bench.host(), callbacks, audit};
 };
 
-constexpr char kTop[] = "/restconf/data/toy:top";
-
-std::string top(const std::string &more)
-{
-    return std::string(kTop) + "/" + more;
-}
-
 TEST_F(HandlerTest, ReadsEveryKindOfResource)
 {
-    struct Case {
-        std::string target;
-        const char *document;
-    };
-    const Case cases[] = {
-        {top("plain"), R"({"toy:plain": "p"})"},
-        {top("config"), R"({"toy:config": {"enabled": true, "limit": 5}})"},
-        {top("words"), R"({"toy:words": ["a", "b"]})"},
-        {top("words=b"), R"({"toy:words": ["b"]})"},
-        {top("entry=x%2Fy/sub=7/text"), R"({"toy:text": "seven"})"},
-        {top("entry=x%2Fy/sub=007/text"), R"({"toy:text": "seven"})"}, // another way to write the key
-        {top("entry=z"), R"({"toy:entry": [{"name": "z"}]})"},
-        {top("entry?fields=name"), R"({"toy:entry": [{"name": "x/y"}, {"name": "z"}]})"},
-        {top("entry=x%2Fy?depth=1"), R"({"toy:entry": [{"name": "x/y"}]})"},
-        {top("number?with-defaults=report-all"), R"({"toy:number": 7})"},
+    const std::pair<std::string, const char *> cases[] = {
+        {"plain", R"({"toy:plain": "p"})"},
+        {"config", R"({"toy:config": {"enabled": true, "limit": 5}})"},
+        {"words", R"({"toy:words": ["a", "b"]})"},
+        {"words=b", R"({"toy:words": ["b"]})"},
+        {"entry=x%2Fy/sub=007/text", R"({"toy:text": "seven"})"}, // another way to write the key 7
+        {"entry=z", R"({"toy:entry": [{"name": "z"}]})"},
+        {"entry?fields=name", R"({"toy:entry": [{"name": "x/y"}, {"name": "z"}]})"},
+        {"entry=x%2Fy?depth=1", R"({"toy:entry": [{"name": "x/y"}]})"},
+        {"number?with-defaults=report-all", R"({"toy:number": 7})"},
         {"/restconf/data?fields=toy:top(plain;words)&content=config",
          R"({"ietf-restconf:data": {"toy:top": {"plain": "p", "words": ["a", "b"]}}})"},
         {"https://switch:8443/restconf/data/toy:top/plain", R"({"toy:plain": "p"})"},
     };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.target);
-        const Answer answer = get(c.target);
+    for (const auto &[target, document] : cases) {
+        SCOPED_TRACE(target);
+        const Answer answer = get(target);
         EXPECT_EQ(answer.status, 200U);
         EXPECT_EQ(answer.field("Content-Type"), "application/yang-data+json");
         EXPECT_EQ(answer.field("Cache-Control"), "no-cache");
-        EXPECT_EQ(answer.document(), json::parse(c.document));
+        EXPECT_EQ(answer.document(), json::parse(document));
     }
 }
 
-TEST_F(HandlerTest, ReadsInXml)
+TEST_F(HandlerTest, ReadsInXmlAWholeListOnlyIfItHasOneEntry)
 {
     pugi::xml_document document;
-    const Answer answer = get(top("entry=x%2Fy"), kWantsXml);
+    const Answer answer = get("entry=x%2Fy", kWantsXml);
     EXPECT_EQ(answer.field("Content-Type"), "application/yang-data+xml");
     ASSERT_TRUE(document.load_string(answer.message.body().c_str()));
     EXPECT_STREQ(document.child("entry").child_value("name"), "x/y");
     EXPECT_STREQ(document.child("entry").attribute("xmlns").value(), "urn:test:toy");
-}
 
-TEST_F(HandlerTest, GivesAWholeListInXmlOnlyIfItHasOneEntry)
-{
-    const Answer both = get(top("entry"), kWantsXml);
+    const Answer both = get("entry", kWantsXml);
     EXPECT_EQ(both.status, 400U);
     EXPECT_THAT(both.message.body(), HasSubstr("<error-tag>invalid-value</error-tag>"));
-    ASSERT_EQ(ask("DELETE", top("entry=z")).status, 204U);
-    EXPECT_EQ(get(top("entry"), kWantsXml).status, 200U);
+    ASSERT_EQ(statusOf("DELETE", "entry=z"), 204U);
+    EXPECT_EQ(get("entry", kWantsXml).status, 200U);
 }
 
 TEST_F(HandlerTest, RefusesWithTheRightStatusAndTag)
 {
-    struct Case {
+    const char *const invalid = "invalid-value", *const malformed = "malformed-message";
+    const char *const unsupported = "operation-not-supported", *const unknown = "unknown-element";
+    const char *const q = R"({"toy:plain": "q"})";
+    const Headers none;
+    const struct {
         const char *method;
         std::string target;
-        Headers headers;
         const char *body;
         unsigned status;
         const char *tag;
-    };
-    const Case cases[] = {
-        {"GET", "/restconf/nothing", {}, "", 404, "invalid-value"},
-        {"GET", "/restconf/data/none:top", {}, "", 400, "unknown-element"},
-        {"GET", top("none"), {}, "", 400, "unknown-element"},
-        {"GET", top("entry=a,b"), {}, "", 400, "invalid-value"},
-        {"GET", top("entry=a/sub=x"), {}, "", 400, "invalid-value"},
-        {"GET", top("entry=gone"), {}, "", 404, "invalid-value"},
-        {"GET", top("lone"), {}, "", 404, "invalid-value"},
-        {"GET", top("plain%zz"), {}, "", 400, "invalid-value"},
-        {"GET", top("plain?depth=0"), {}, "", 400, "invalid-value"},
-        {"GET", top("plain?unknown=1"), {}, "", 400, "invalid-value"},
-        {"GET", top("plain?insert=first"), {}, "", 400, "invalid-value"},
-        {"GET", top("config?fields=none"), {}, "", 400, "invalid-value"},
-        {"GET", top("plain"), {{"Accept", "text/html"}}, "", 406, "invalid-value"},
-        {"GET", "/restconf/data/toy:add", {}, "", 404, "invalid-value"},
-        {"POST", "/restconf/operations/toy:top", kJson, "{}", 404, "invalid-value"},
-        {"POST", "/restconf/operations/toy:none", kJson, "{}", 400, "unknown-element"},
-        {"PUT", top("plain"), {}, R"({"toy:plain": "q"})", 415, "invalid-value"},
-        {"PUT",
-         top("plain"),
-         {{"Content-Type", "text/plain"}},
-         R"({"toy:plain": "q"})",
-         415,
-         "invalid-value"},
-        {"PATCH",
-         top("plain"),
-         {{"Content-Type", "application/yang-patch+json"}},
-         "{}",
-         415,
-         "invalid-value"},
-        {"PUT",
-         top("plain"),
-         {{"Content-Type", "application/yang-data+json"}, {"Content-Encoding", "gzip"}},
-         "x",
-         415,
-         "invalid-value"},
-        {"PUT", top("plain"), kJson, "", 400, "malformed-message"},
-        {"PUT", top("plain"), kJson, R"({"toy:plain": )", 400, "malformed-message"},
-        {"PUT", top("plain"), kXml, "<plain xmlns='urn:test:toy'>", 400, "malformed-message"},
-        {"PUT", top("plain"), kXml, "<!DOCTYPE x [<!ENTITY e 'e'>]><plain xmlns='urn:test:toy'>&e;</plain>",
-         400, "malformed-message"},
-        {"PUT", top("plain"), kJson, R"({"toy:lone": "q"})", 400, "bad-element"},
-        {"PUT", top("plain?depth=1"), kJson, R"({"toy:plain": "q"})", 400, "invalid-value"},
-        {"PUT", top("config"), kJson, R"({"toy:config": {"limit": "x"}})", 400, "invalid-value"},
-        {"PUT", top("config"), kJson, R"({"toy:config": {"none": 1}})", 400, "unknown-element"},
-        {"PUT", top("entry=a"), kJson, R"({"toy:entry": [{"name": "b"}]})", 400, "invalid-value"},
-        {"POST", kTop, kJson, R"({"toy:entry": [{"name": "z"}]})", 409, "data-exists"},
-        {"DELETE", top("entry=gone"), {}, "", 409, "data-missing"},
-        {"PUT", top("entry"), kJson, R"({"toy:entry": []})", 405, "operation-not-supported"},
-        {"PUT", top("state"), kJson, R"({"toy:state": {}})", 405, "operation-not-supported"},
-        {"DELETE", "/restconf/data", {}, "", 405, "operation-not-supported"},
-        {"POST", top("plain"), kJson, "{}", 405, "operation-not-supported"},
-        {"GET", "/restconf/operations/toy:add", {}, "", 405, "operation-not-supported"},
-        {"PUT", "/restconf", kJson, "{}", 405, "operation-not-supported"},
-        {"TRACE", kTop, {}, "", 405, "operation-not-supported"},
-        {"BREW", kTop, {}, "", 405, "operation-not-supported"},
-        {"GET", top("plain"), {{"If-None-Match", "rubbish"}}, "", 400, "malformed-message"},
+        Headers headers = kJson;
+    } cases[] = {
+        {"GET", "/restconf/nothing", "", 404, invalid},
+        {"GET", "/restconf/data/none:top", "", 400, unknown},
+        {"GET", "none", "", 400, unknown},
+        {"GET", "entry=gone", "", 404, invalid},
+        {"GET", "plain?insert=first", "", 400, invalid},
+        {"GET", "config?fields=none", "", 400, invalid},
+        {"GET", "plain", "", 406, invalid, {{"Accept", "text/html"}}},
+        {"GET", "plain", "", 400, malformed, {{"If-None-Match", "rubbish"}}},
+        {"GET", "/restconf/data/toy:add", "", 404, invalid},
+        {"POST", "/restconf/operations/toy:top", "{}", 404, invalid},
+        {"PUT", "plain", q, 415, invalid, none},
+        {"PATCH", "plain", "{}", 415, invalid, {{"Content-Type", "application/yang-patch+json"}}},
+        {"PUT", "plain", "x", 415, invalid, {kJson[0], {"Content-Encoding", "gzip"}}},
+        {"PUT", "plain", "", 400, malformed},
+        {"PUT", "plain", R"({"toy:plain": )", 400, malformed},
+        {"PUT", "plain", "<!DOCTYPE x [<!ENTITY e 'e'>]><plain xmlns='urn:test:toy'>&e;</plain>", 400,
+         malformed, kXml},
+        {"PUT", "plain?depth=1", q, 400, invalid},
+        {"POST", kTop, R"({"toy:entry": [{"name": "z"}]})", 409, "data-exists"},
+        {"DELETE", "entry=gone", "", 409, "data-missing"},
+        {"PUT", "entry", R"({"toy:entry": []})", 405, unsupported},
+        {"PUT", "state", R"({"toy:state": {}})", 405, unsupported},
+        {"DELETE", "/restconf/data", "", 405, unsupported},
+        {"POST", "plain", "{}", 405, unsupported},
+        {"GET", "/restconf/operations/toy:add", "", 405, unsupported},
+        {"PUT", "/restconf", "{}", 405, unsupported},
+        {"BREW", kTop, "", 405, unsupported},
     };
     const json before = read(kTop);
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         SCOPED_TRACE(std::string(c.method) + " " + c.target + " " + c.body);
-        const Answer answer = ask(c.method, c.target, c.headers, c.body);
+        const Answer answer = ask(c.method, c.target, c.body, c.headers);
         EXPECT_EQ(answer.status, c.status) << answer.message.body();
-        const bool isXml = answer.field("Content-Type") == "application/yang-data+xml";
-        if (isXml)
+        if (answer.field("Content-Type") == "application/yang-data+xml")
             EXPECT_THAT(answer.message.body(), HasSubstr("<error-tag>" + std::string(c.tag) + "<"));
         else
             EXPECT_EQ(answer.tag(), c.tag);
@@ -224,63 +194,47 @@ TEST_F(HandlerTest, RefusesWithTheRightStatusAndTag)
     EXPECT_TRUE(bench.told().empty());
 }
 
-TEST_F(HandlerTest, RefusesBodiesThatAreNestedTooDeeply)
-{
-    std::string deepJson = R"({"toy:top": )", deepXml;
-    for (int i = 0; i < 100000; ++i) {
-        deepJson += "[";
-        deepXml += "<top xmlns='urn:test:toy'>";
-    }
-    for (const auto &[headers, body] : {std::pair{kJson, deepJson}, std::pair{kXml, deepXml}}) {
-        const Answer answer = ask("PUT", kTop, headers, body);
-        EXPECT_EQ(answer.status, 400U);
-        EXPECT_THAT(answer.message.body(), HasSubstr("levels deep"));
-    }
-}
-
 TEST_F(HandlerTest, AnswersErrorsInTheEncodingOfTheClient)
 {
-    EXPECT_EQ(get(top("none"), kWantsXml).field("Content-Type"), "application/yang-data+xml");
-    EXPECT_EQ(get(top("none"), {{"Accept", "application/json"}}).field("Content-Type"), "application/json");
-    EXPECT_EQ(get(top("none"), {{"Accept", "text/html"}}).field("Content-Type"),
-              "application/yang-data+json");
-    EXPECT_EQ(ask("PUT", top("none"), kXml, "<x/>").field("Content-Type"), "application/yang-data+xml");
-    EXPECT_EQ(get("/.well-known/host-meta?x", {{"Accept", "application/xrd+xml"}}).tag(), "invalid-value");
+    const auto type = [&](const Headers &headers) { return get("none", headers).field("Content-Type"); };
+    EXPECT_EQ(type(kWantsXml), "application/yang-data+xml");
+    EXPECT_EQ(type({{"Accept", "application/json"}}), "application/json");
+    EXPECT_EQ(type({{"Accept", "text/html"}}), "application/yang-data+json");
+    EXPECT_EQ(ask("PUT", "none", "<x/>", kXml).field("Content-Type"), "application/yang-data+xml");
 }
 
 TEST_F(HandlerTest, WritesInBothEncodings)
 {
-    struct Case {
+    const struct {
         const char *method;
         std::string target;
-        Headers headers;
         const char *body;
         unsigned status;
-        const char *location;
-    };
-    const Case cases[] = {
-        {"PUT", top("plain"), kJson, R"({"toy:plain": "q"})", 204, ""},
-        {"PUT", top("lone"), kXml, "<lone xmlns='urn:test:toy'>q</lone>", 201, "toy:top/lone"},
+        const char *location = "";
+        Headers headers = kJson;
+    } cases[] = {
+        {"PUT", "plain", R"({"toy:plain": "q"})", 204},
+        {"PUT", "lone", "<lone xmlns='urn:test:toy'>q</lone>", 201, "toy:top/lone", kXml},
         {"PATCH",
-         top("config"),
-         {{"Content-Type", "application/json; charset=utf-8"}},
+         "config",
          R"({"toy:config": {"limit": 6}})",
          204,
-         ""},
-        {"POST", kTop, kJson, R"({"toy:entry": [{"name": "a b/c,d", "own": "2"}]})", 201,
+         "",
+         {{"Content-Type", "application/json; charset=utf-8"}}},
+        {"POST", kTop, R"({"toy:entry": [{"name": "a b/c,d", "own": "2"}]})", 201,
          "toy:top/entry=a%20b%2Fc%2Cd"},
-        {"PUT", top("entry=n%C3%BC"), kXml, "<entry xmlns='urn:test:toy'><name>n\xc3\xbc</name></entry>", 201,
-         "toy:top/entry=n%C3%BC"},
-        {"PUT", top("words=c"), kJson, R"({"toy:words": ["c"]})", 201, "toy:top/words=c"},
-        {"DELETE", top("words=a"), {}, "", 204, ""},
-        {"DELETE", top("entry=x%2Fy"), {}, "", 204, ""},
-        {"PATCH", "/restconf/data", kJson,
-         R"({"ietf-restconf:data": {"toy:late": {"plain": "l"}, "toy:top": {"marked": {}}}})", 204, ""},
-        {"POST", top("marked"), kJson, R"({"toy:note": "n"})", 201, "toy:top/marked/note"},
+        {"PUT", "entry=n%C3%BC", "<entry xmlns='urn:test:toy'><name>n\xc3\xbc</name></entry>", 201,
+         "toy:top/entry=n%C3%BC", kXml},
+        {"PUT", "words=c", R"({"toy:words": ["c"]})", 201, "toy:top/words=c"},
+        {"DELETE", "words=a", "", 204},
+        {"DELETE", "entry=x%2Fy", "", 204},
+        {"PATCH", "/restconf/data",
+         R"({"ietf-restconf:data": {"toy:late": {"plain": "l"}, "toy:top": {"marked": {}}}})", 204},
+        {"POST", "marked", R"({"toy:note": "n"})", 201, "toy:top/marked/note"},
     };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         SCOPED_TRACE(std::string(c.method) + " " + c.target);
-        const Answer answer = ask(c.method, c.target, c.headers, c.body);
+        const Answer answer = ask(c.method, c.target, c.body, c.headers);
         EXPECT_EQ(answer.status, c.status) << answer.message.body();
         EXPECT_EQ(answer.field("Location"),
                   *c.location ? "https://switch:8443/restconf/data/" + std::string(c.location) : "");
@@ -296,25 +250,19 @@ TEST_F(HandlerTest, WritesInBothEncodings)
 
 TEST_F(HandlerTest, PlacesEntriesWhereTheClientWants)
 {
-    const std::string entry = R"({"toy:ranked": [{"name": "new"}]})";
-    ASSERT_EQ(
-        ask("POST", std::string(kTop) + "?insert=before&point=%2Ftoy%3Atop%2Franked%3Dlast", kJson, entry)
-            .status,
-        201U);
-    EXPECT_EQ(read(top("ranked")),
-              json::parse(R"({"toy:ranked": [{"name": "first"}, {"name": "new"}, {"name": "last"}]})"));
-    ASSERT_EQ(ask("PUT", top("ranked=new?insert=first"), kJson, entry).status, 204U);
-    EXPECT_EQ(read(top("ranked"))["toy:ranked"][0]["name"], "new");
-    EXPECT_EQ(
-        ask("PUT", top("ranked=new?insert=after&point=%2Ftoy%3Atop%2Franked%3Dnone"), kJson, entry).status,
-        400U);
-    EXPECT_EQ(ask("PUT", top("ranked=new?insert=after&point=%2Ftoy%3Anone"), kJson, entry).status, 400U);
+    const std::string entry = R"({"toy:ranked": [{"name": "new"}]})", ranked = "%2Ftoy%3Atop%2Franked%3D";
+    ASSERT_EQ(statusOf("POST", kTop + std::string("?insert=before&point=") + ranked + "last", entry), 201U);
+    EXPECT_EQ(read("ranked")["toy:ranked"][1]["name"], "new");
+    ASSERT_EQ(statusOf("PUT", "ranked=new?insert=first", entry), 204U);
+    EXPECT_EQ(read("ranked")["toy:ranked"][0]["name"], "new");
+    EXPECT_EQ(statusOf("PUT", "ranked=new?insert=after&point=" + ranked + "none", entry), 400U);
 }
 
 TEST_F(HandlerTest, TellsWhatTheCallbackSaid)
 {
+    const std::string limit = R"({"toy:config": {"limit": 6}})";
     bench.failAt("apply", "/toy:top/config", kDeviceText, "the switch says no");
-    const Answer answer = ask("PATCH", top("config"), kJson, R"({"toy:config": {"limit": 6}})");
+    const Answer answer = ask("PATCH", "config", limit);
     EXPECT_EQ(answer.status, 500U);
     EXPECT_EQ(answer.tag(), "operation-failed");
     EXPECT_EQ(answer.error("error-app-tag"), "1042");
@@ -322,63 +270,45 @@ TEST_F(HandlerTest, TellsWhatTheCallbackSaid)
     EXPECT_EQ(answer.error("error-path"), "/toy:top/config");
 
     bench.failAt("validate", "/toy:top/config", kNotSupported);
-    const Answer refused = ask("PATCH", top("config"), kJson, R"({"toy:config": {"limit": 6}})");
+    const Answer refused = ask("PATCH", "config", limit);
     EXPECT_EQ(refused.status, 405U);
     EXPECT_EQ(refused.error("error-app-tag"), "273");
     EXPECT_EQ(refused.field("Allow"),
               "GET, HEAD, POST, PUT, DELETE, OPTIONS"); // all but the one that is refused
-    EXPECT_EQ(read(top("config/limit")), json::parse(R"({"toy:limit": 5})"));
+    EXPECT_EQ(read("config/limit"), json::parse(R"({"toy:limit": 5})"));
 }
 
 TEST_F(HandlerTest, EditsOnlyTheVersionThatTheClientKnows)
 {
-    const std::string config = top("config"), body = R"({"toy:config": {"limit": 6}})";
-    const Answer first = get(config);
+    const Answer first = get("config");
     const auto conditional = [&](const std::string &name, const std::string &value) {
-        return ask("PATCH", config, {kJson[0], {name, value}}, body).status;
+        return ask("PATCH", "config", R"({"toy:config": {"limit": 6}})", {kJson[0], {name, value}});
     };
-    EXPECT_EQ(conditional("If-Match", "\"other\""), 412U);
-    EXPECT_EQ(conditional("If-None-Match", "*"), 412U);
-    EXPECT_EQ(read(config)["toy:config"]["limit"], 5);
-    EXPECT_EQ(conditional("If-Match", first.field("ETag")), 204U);
-    EXPECT_EQ(conditional("If-Match", first.field("ETag")), 412U); // it was changed by the one before
-    EXPECT_EQ(conditional("If-Unmodified-Since", get(config).field("Last-Modified")), 204U);
-    EXPECT_EQ(conditional("If-Unmodified-Since", "Sun, 06 Nov 1994 08:49:37 GMT"), 412U);
-    const auto create = [&](const std::string &name) {
-        const std::string entry = R"({"toy:entry": [{"name": ")" + name + "\"}]}";
-        return ask("PUT", top("entry=" + name), {kJson[0], {"If-None-Match", "*"}}, entry).status;
-    };
-    EXPECT_EQ(create("z"), 412U);
-    EXPECT_EQ(create("new"), 201U);
-    EXPECT_EQ(ask("DELETE", top("entry=gone"), {{"If-Match", "*"}}).status, 412U);
-    EXPECT_EQ(ask("DELETE", top("entry=new"), {{"If-Match", "*"}}).status, 204U);
-}
-
-TEST_F(HandlerTest, HandsTheNewVersionToTheWriter)
-{
-    const Answer written = ask("PUT", top("plain"), kJson, R"({"toy:plain": "q"})");
-    EXPECT_EQ(written.field("ETag"), get(top("plain")).field("ETag"));
-    EXPECT_EQ(
-        ask("PUT", top("plain"), {kJson[0], {"If-Match", written.field("ETag")}}, R"({"toy:plain": "r"})")
-            .status,
-        204U);
+    EXPECT_EQ(conditional("If-None-Match", "*").status, 412U);
+    EXPECT_EQ(conditional("If-Unmodified-Since", "Sun, 06 Nov 1994 08:49:37 GMT").status, 412U);
+    EXPECT_EQ(read("config")["toy:config"]["limit"], 5);
+    const Answer written = conditional("If-Match", first.field("ETag"));
+    EXPECT_EQ(written.status, 204U);
+    EXPECT_EQ(written.field("ETag"), get("config").field("ETag"));
+    EXPECT_EQ(conditional("If-Match", first.field("ETag")).status, 412U); // it was changed by the one before
+    // What is not there has no version.
+    EXPECT_EQ(statusOf("PUT", "entry=new", R"({"toy:entry": [{"name": "new"}]})",
+                       {kJson[0], {"If-None-Match", "*"}}),
+              201U);
+    EXPECT_EQ(statusOf("DELETE", "entry=gone", {}, {{"If-Match", "*"}}), 412U);
 }
 
 TEST_F(HandlerTest, SparesAReaderWhatHeHas)
 {
-    const auto again = [&](const std::string &target, const std::string &name, const std::string &value) {
-        return get(target, {{name, value}});
-    };
-    const std::string leaf = top("plain");
-    const Answer first = get(leaf);
-    const Answer same = again(leaf, "If-None-Match", first.field("ETag"));
+    const Answer first = get("plain");
+    const Answer same = get("plain", {{"If-None-Match", first.field("ETag")}});
     EXPECT_EQ(same.status, 304U);
     EXPECT_EQ(same.message.body(), "");
     EXPECT_EQ(same.field("ETag"), first.field("ETag"));
-    EXPECT_EQ(again(leaf, "If-Modified-Since", first.field("Last-Modified")).status, 304U);
-    ASSERT_EQ(ask("PUT", leaf, kJson, R"({"toy:plain": "q"})").status, 204U);
-    EXPECT_EQ(again(leaf, "If-None-Match", first.field("ETag")).status, 200U);
-    EXPECT_EQ(again(leaf, "If-Match", first.field("ETag")).status, 412U);
+    EXPECT_EQ(get("plain", {{"If-Modified-Since", first.field("Last-Modified")}}).status, 304U);
+    ASSERT_EQ(statusOf("PUT", "plain", R"({"toy:plain": "q"})"), 204U);
+    EXPECT_EQ(get("plain", {{"If-None-Match", first.field("ETag")}}).status, 200U);
+    EXPECT_EQ(get("plain", {{"If-Match", first.field("ETag")}}).status, 412U);
 }
 
 unsigned stateCount = 0;
@@ -402,82 +332,60 @@ TEST_F(HandlerTest, NeverCallsChangedStateUnmodified)
     stateCount = 2;
     EXPECT_EQ(get(kTop, {{"If-None-Match", first.field("ETag")}}).status, 200U);
     EXPECT_EQ(get(kTop, {{"If-Modified-Since", first.field("Last-Modified")}}).status, 200U);
-    EXPECT_EQ(get(top("state")).field("ETag"), ""); // state alone has no version
+    EXPECT_EQ(get("state").field("ETag"), ""); // state alone has no version
     // For an edit only the configuration's version counts.
-    EXPECT_EQ(ask("PUT", top("plain"), {kJson[0], {"If-Match", first.field("ETag")}}, R"({"toy:plain": "q"})")
-                  .status,
-              204U);
+    EXPECT_EQ(
+        statusOf("PUT", "plain", R"({"toy:plain": "q"})", {kJson[0], {"If-Match", first.field("ETag")}}),
+        204U);
 }
 
 TEST_F(HandlerTest, AnswersHeadLikeGetWithoutTheBody)
 {
-    const Answer whole = get(top("config")), head = ask("HEAD", top("config"));
+    const Answer whole = get("config"), head = ask("HEAD", "config"), missing = ask("HEAD", "lone");
     EXPECT_EQ(head.status, 200U);
-    EXPECT_EQ(head.message.body(), "");
+    EXPECT_EQ(missing.status, 404U);
+    EXPECT_EQ(head.message.body() + missing.message.body(), "");
     for (const char *name : {"Content-Type", "Content-Length", "ETag", "Last-Modified", "Cache-Control"})
         EXPECT_EQ(head.field(name), whole.field(name)) << name;
-    const Answer missing = ask("HEAD", top("lone"));
-    EXPECT_EQ(missing.status, 404U);
-    EXPECT_EQ(missing.message.body(), "");
 }
 
 TEST_F(HandlerTest, SaysWhatAResourceCanDo)
 {
-    struct Case {
-        std::string target;
-        const char *allow;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"/restconf", "GET, HEAD, OPTIONS"},
         {"/restconf/data", "GET, HEAD, POST, PUT, PATCH, OPTIONS"},
-        {top("config"), "GET, HEAD, POST, PUT, PATCH, DELETE, OPTIONS"},
-        {top("entry=new"), "GET, HEAD, POST, PUT, PATCH, DELETE, OPTIONS"},
-        {top("plain"), "GET, HEAD, PUT, PATCH, DELETE, OPTIONS"},
-        {top("entry"), "GET, HEAD, OPTIONS"},
-        {top("state"), "GET, HEAD, OPTIONS"},
+        {"config", "GET, HEAD, POST, PUT, PATCH, DELETE, OPTIONS"},
+        {"entry=new", "GET, HEAD, POST, PUT, PATCH, DELETE, OPTIONS"},
+        {"plain", "GET, HEAD, PUT, PATCH, DELETE, OPTIONS"},
+        {"entry", "GET, HEAD, OPTIONS"},
+        {"state", "GET, HEAD, OPTIONS"},
         {"/restconf/operations/toy:add", "POST, OPTIONS"},
     };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.target);
-        const Answer answer = ask("OPTIONS", c.target);
+    for (const auto &[target, allow] : cases) {
+        SCOPED_TRACE(target);
+        const Answer answer = ask("OPTIONS", target);
         EXPECT_EQ(answer.status, 200U);
-        EXPECT_EQ(answer.field("Allow"), c.allow);
-        const bool takesPatch = std::string(c.allow).find("PATCH") != std::string::npos;
-        EXPECT_EQ(answer.field("Accept-Patch").empty(), !takesPatch);
-        EXPECT_EQ(ask("TRACE", c.target).field("Allow"), c.allow);
+        EXPECT_EQ(answer.field("Allow"), allow);
+        EXPECT_EQ(answer.field("Accept-Patch").empty(), allow.find("PATCH") == allow.npos);
+        EXPECT_EQ(ask("TRACE", target).field("Allow"), allow);
     }
-}
-
-Status addUp(tk::Session *, tk::Request *request, tk::Value *)
-{
-    const tk::Value *a = val_find_child(agt_get_rpc_input(request), "toy", "a");
-    const tk::Value *b = val_find_child(agt_get_rpc_input(request), "toy", "b");
-    if (!b)
-        return kOk;
-    tk::Object *response =
-        obj_find_child(obj_find_child(request->method, "toy", "output"), "toy", "response");
-    Status status = kOk;
-    const auto sum = static_cast<std::int32_t>(val_get_int64(a) + val_get_int64(b));
-    agt_rpc_add_return_val(agt_make_int_leaf(obj_find_child(response, "toy", "sum"), "sum", sum, &status),
-                           request);
-    return status;
 }
 
 TEST_F(HandlerTest, InvokesOperations)
 {
-    agt_rpc_register_method("toy", "add", tk::operationInvoke, addUp);
+    agt_rpc_register_method("toy", "add", tk::operationInvoke, ::test::addUp);
     const std::string add = "/restconf/operations/toy:add";
-    const Answer sum = ask("POST", add, kJson, R"({"toy:input": {"a": 1, "b": 2}})");
+    const Answer sum = ask("POST", add, R"({"toy:input": {"a": 1, "b": 2}})");
     EXPECT_EQ(sum.status, 200U);
     EXPECT_EQ(sum.document(), json::parse(R"({"toy:output": {"response": {"sum": 3}}})"));
-    const Answer inXml = ask("POST", add, kXml, "<input xmlns='urn:test:toy'><a>1</a><b>2</b></input>");
+    const Answer inXml = ask("POST", add, "<input xmlns='urn:test:toy'><a>1</a><b>2</b></input>", kXml);
     EXPECT_EQ(inXml.field("Content-Type"), "application/yang-data+xml");
     EXPECT_THAT(inXml.message.body(), HasSubstr("<sum>3</sum>"));
-    EXPECT_EQ(ask("POST", add, kJson, R"({"toy:input": {"a": 1}})").status, 204U); // without output
-    EXPECT_EQ(ask("POST", add).tag(), "missing-element");                          // a is mandatory
-    EXPECT_EQ(ask("POST", add, kJson, R"({"toy:input": {"a": "x"}})").status, 400U);
-    EXPECT_EQ(ask("POST", add, {}, R"({"toy:input": {"a": 1}})").status, 415U);
-    EXPECT_EQ(ask("POST", add + "?depth=1", kJson, R"({"toy:input": {"a": 1}})").status, 400U);
+    EXPECT_EQ(ask("POST", add, R"({"toy:input": {"a": 1}})").status, 204U); // without output
+    EXPECT_EQ(ask("POST", add).tag(), "missing-element");                   // a is mandatory
+    EXPECT_EQ(ask("POST", add, R"({"toy:input": {"a": "x"}})").status, 400U);
+    EXPECT_EQ(statusOf("POST", add, R"({"toy:input": {"a": 1}})", {}), 415U);
+    EXPECT_EQ(ask("POST", add + "?depth=1", R"({"toy:input": {"a": 1}})").status, 400U);
     agt_rpc_unregister_method("toy", "add");
 }
 
@@ -489,34 +397,28 @@ TEST_F(HandlerTest, ShowsTheWayIn)
     EXPECT_EQ(get("/restconf").document()["ietf-restconf:restconf"]["yang-library-version"], "2019-01-04");
     EXPECT_EQ(get("/restconf/yang-library-version").document(),
               json::parse(R"({"ietf-restconf:yang-library-version": "2019-01-04"})"));
+    EXPECT_THAT(get("/restconf/operations", kWantsXml).message.body(), HasSubstr("xmlns=\"urn:test:toy\""));
     EXPECT_EQ(get("/restconf/operations").document()["ietf-restconf:operations"]["toy:add"],
               json::array({nullptr}));
 }
 
 TEST_F(HandlerTest, ServesConfigurationWhileACallbackWaits)
 {
-    std::promise<void> entered, release;
-    bench.watch = [&, once = false](const std::string &line, tk::Value *, tk::Value *) mutable {
-        if (once || line.rfind("apply", 0) != 0)
-            return;
-        once = true;
-        entered.set_value();
-        release.get_future().wait();
-    };
-    auto edit = begin("PUT", top("plain"), kJson, R"({"toy:plain": "new"})");
-    entered.get_future().wait();
-    EXPECT_EQ(get(top("plain")).document(), json::parse(R"({"toy:plain": "p"})")); // as before the edit
+    ::test::SlowDevice device(bench);
+    auto edit = begin("PUT", "plain", R"({"toy:plain": "new"})");
+    device.awaitCall();
+    EXPECT_EQ(get("plain").document(), json::parse(R"({"toy:plain": "p"})")); // as before the edit
     EXPECT_EQ(get(kTop + std::string("?content=config")).status, 200U);
     EXPECT_EQ(get("/restconf").status, 200U);
-    EXPECT_EQ(ask("PUT", top("none"), kJson, "{}").status, 400U); // refused without waiting
+    EXPECT_EQ(ask("PUT", "none", "{}").status, 400U); // refused without waiting
 
-    auto second = begin("PUT", top("number"), kJson, R"({"toy:number": 1})");
+    auto second = begin("PUT", "number", R"({"toy:number": 1})");
     auto third = begin("GET", kTop);
-    const Answer beyond = ask("PUT", top("number"), kJson, R"({"toy:number": 2})");
+    const Answer beyond = ask("PUT", "number", R"({"toy:number": 2})");
     EXPECT_EQ(beyond.status, 409U);
     EXPECT_EQ(beyond.tag(), "resource-denied");
 
-    release.set_value();
+    device.answer();
     EXPECT_EQ(edit.get().status, 204U);
     EXPECT_EQ(second.get().status, 201U);
     EXPECT_EQ(third.get().document()["toy:top"]["plain"], "new");
@@ -525,10 +427,10 @@ TEST_F(HandlerTest, ServesConfigurationWhileACallbackWaits)
 
 TEST_F(HandlerTest, WritesAnAuditTrailOfChangesAndRefusalsWithoutContent)
 {
-    ask("PUT", top("password"), kJson, R"({"toy:password": "hidden"})");
-    ask("DELETE", top("entry=gone"));
-    get(top("plain?content=config"));
-    ask("PUT", top("plain?insert=hidden"), kJson, R"({"toy:plain": "hidden"})");
+    ask("PUT", "password", R"({"toy:password": "hidden"})");
+    ask("DELETE", "entry=gone");
+    get("plain?content=config");
+    ask("PUT", "plain?insert=hidden", R"({"toy:plain": "hidden"})");
     HttpRequest stranger{{}, "", "127.0.0.1:4712"};
     stranger.message.method_string("GET");
     stranger.message.target(kTop);
@@ -537,19 +439,16 @@ TEST_F(HandlerTest, WritesAnAuditTrailOfChangesAndRefusalsWithoutContent)
     EXPECT_THAT(std::string(refusal[http::field::www_authenticate]), HasSubstr("Basic realm="));
 
     std::istringstream trail(readFile(folder.path() / "audit.log"));
-    std::vector<std::string> lines;
+    std::string lines;
     for (std::string line; std::getline(trail, line);)
-        lines.push_back(line.substr(line.find(' ') + 1)); // without the time
-    EXPECT_THAT(
+        lines += line.substr(line.find(' ') + 1) + "\n"; // without the time
+    EXPECT_EQ(
         lines,
-        ::testing::ElementsAre(
-            "restconf user=\"admin\" from=127.0.0.1:4711 request=\"PUT /restconf/data/toy:top/password\" "
-            "outcome=\"201\"",
-            "restconf user=\"admin\" from=127.0.0.1:4711 request=\"DELETE "
-            "/restconf/data/toy:top/entry=gone\" outcome=\"409\"",
-            "restconf user=\"admin\" from=127.0.0.1:4711 request=\"PUT /restconf/data/toy:top/plain\" "
-            "outcome=\"400\"",
-            "restconf user=- from=127.0.0.1:4712 request=\"GET /restconf/data/toy:top\" outcome=\"401\""));
+        R"(restconf user="admin" from=127.0.0.1:4711 request="PUT /restconf/data/toy:top/password" outcome="201"
+restconf user="admin" from=127.0.0.1:4711 request="DELETE /restconf/data/toy:top/entry=gone" outcome="409"
+restconf user="admin" from=127.0.0.1:4711 request="PUT /restconf/data/toy:top/plain" outcome="400"
+restconf user=- from=127.0.0.1:4712 request="GET /restconf/data/toy:top" outcome="401"
+)");
 }
 
 } // namespace

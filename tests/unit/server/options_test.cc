@@ -14,19 +14,6 @@ Options parsed(std::vector<const char *> arguments)
     return parseOptions(static_cast<int>(arguments.size()), arguments.data());
 }
 
-TEST(CommandLine, HasDefaults)
-{
-    const auto options = std::get<ServeOptions>(parsed({"--state", "/s"}));
-    EXPECT_EQ(options.stateDir, "/s");
-    EXPECT_EQ(options.restconf.host, "127.0.0.1");
-    EXPECT_EQ(options.restconf.port, 8443);
-    EXPECT_EQ(options.netconf.port, 8300);
-    EXPECT_EQ(options.device.where, "inproc");
-    EXPECT_FALSE(options.device.platform);
-    EXPECT_EQ(options.bundle, "app_yang_agent");
-    EXPECT_TRUE(options.moduleDirs.empty());
-}
-
 TEST(CommandLine, SetsEverything)
 {
     const auto options = std::get<ServeOptions>(
@@ -59,11 +46,10 @@ TEST(CommandLine, TakesTheStateBeforeAndBehindAUserCommand)
 
 TEST(CommandLine, IsRefusedWithAReason)
 {
-    struct Case {
+    const struct {
         std::vector<const char *> arguments;
         const char *reason;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{}, "--state"},
         {{"--state", "/s", "--restconf", "8443"}, "HOST:PORT"},
         {{"--state", "/s", "--restconf", "h:65536"}, "HOST:PORT"},
@@ -75,7 +61,7 @@ TEST(CommandLine, IsRefusedWithAReason)
         {{"--state", "/s", "user"}, "subcommand"},
         {{"--state", "/s", "user", "add"}, "NAME"},
     };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         try {
             parsed(c.arguments);
             ADD_FAILURE() << c.reason;

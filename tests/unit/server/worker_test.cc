@@ -2,7 +2,6 @@
 
 #include <future>
 #include <gmock/gmock.h>
-#include <numeric>
 
 namespace agentd {
 namespace {
@@ -21,20 +20,6 @@ struct Blocker {
         };
     }
 };
-
-TEST(Worker, CarriesOutInOrder)
-{
-    std::vector<int> done;
-    std::promise<void> last;
-    Worker worker(100);
-    for (int i = 0; i < 50; ++i)
-        ASSERT_TRUE(worker.post([&done, i] { done.push_back(i); }));
-    ASSERT_TRUE(worker.post([&] { last.set_value(); }));
-    last.get_future().wait();
-    std::vector<int> expected(50);
-    std::iota(expected.begin(), expected.end(), 0);
-    EXPECT_EQ(done, expected);
-}
 
 TEST(Worker, TakesNoMoreThanItsBound)
 {

@@ -81,6 +81,14 @@ std::vector<PathStep> pathSteps(const std::string &path)
     return steps;
 }
 
+std::string member(const std::string &path, const std::string &value)
+{
+    const std::string last = path.substr(path.rfind('/') + 1);
+    const std::string name = last.substr(0, last.find('='));
+    const bool qualified = name.find(':') != name.npos;
+    return "{\"" + (qualified ? name : path.substr(0, path.find(':') + 1) + name) + "\":" + value + "}";
+}
+
 HostBench::HostBench(std::vector<std::string> moreModuleDirs)
 {
     const std::string yang = YANG_DIR;

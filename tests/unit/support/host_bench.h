@@ -100,4 +100,7 @@ struct CaseName {
 // A path as in a URI, taken apart.
 std::vector<tk::PathStep> pathSteps(const std::string &path);
 
+// The body of a PUT or PATCH: the value of the node at that path.
+std::string member(const std::string &path, const std::string &value);
+
 } // namespace test

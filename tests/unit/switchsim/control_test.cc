@@ -12,10 +12,7 @@ namespace switchsim {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
-
-const std::string kDone = R"({"done":true})";
 
 class Control : public ::testing::Test {
 protected:
@@ -38,39 +35,6 @@ protected:
 
     std::unique_ptr<InProcessSwitch> device = startInProcessSwitch({});
 };
-
-TEST_F(Control, ReadsTheJournal)
-{
-    for (int i = 0; i < 3; i++)
-        ui_fe_qos_jumbo_post_op(ui_fe_qos_jumbo(10, 0));
-    EXPECT_EQ(run(R"({"do": "journal"})").size(), 4U);
-    EXPECT_THAT(run(R"({"do": "journal", "since": 2})"),
-                ElementsAre(StartsWith(R"({"line":{"seq":3,)"), kDone));
-}
-
-TEST_F(Control, ShowsAndSets)
-{
-    EXPECT_THAT(run(R"({"do": "show", "word": "jumbo"})"),
-                ElementsAre(R"({"result":{"enabled":false}})", kDone));
-    EXPECT_THAT(run(R"({"do": "set", "name": "fips-cc-status", "value": 1})"), ElementsAre(kDone));
-    EXPECT_THAT(run(R"({"do": "values"})"),
-                ElementsAre(HasSubstr(R"({"name":"fips-cc-status","value":1,)"), kDone));
-}
-
-TEST_F(Control, HandlesFaults)
-{
-    EXPECT_THAT(
-        run(R"({"do": "fault-add", "call": "ui_fe_qos_jumbo", "kind": "refuse", "message": "qos_jumbo_request",
-                        "ui_err": 0, "app_err": 3, "text": "busy", "count": 2, "after": 1})"),
-        ElementsAre(kDone));
-    EXPECT_THAT(
-        run(R"({"do": "fault-list"})"),
-        ElementsAre(R"({"result":[{"call":"ui_fe_qos_jumbo","kind":"refuse","message":"qos_jumbo_request",)"
-                    R"("ui_err":0,"app_err":3,"text":"busy","count":2,"after":1}]})",
-                    kDone));
-    EXPECT_THAT(run(R"({"do": "fault-clear"})"), ElementsAre(kDone));
-    EXPECT_THAT(run(R"({"do": "fault-list"})"), ElementsAre(R"({"result":[]})", kDone));
-}
 
 TEST_F(Control, AnswersNonsenseWithOneError)
 {

@@ -5,32 +5,13 @@
 #include "switchsim/simulator.h"
 #include "switchsim/socket_server.h"
 #include "switchsim/switch.h"
+#include "tests/unit/server/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <string>
-
-#include <unistd.h>
-
 namespace switchsim {
 
-// An empty folder for as long as it lives.
-class TemporaryFolder {
-public:
-    TemporaryFolder()
-    {
-        static int count = 0;
-        path = std::filesystem::temp_directory_path() /
-            ("switchsim_test_" + std::to_string(getpid()) + "_" + std::to_string(count++));
-        std::filesystem::create_directory(path);
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(path); }
-    TemporaryFolder(const TemporaryFolder &) = delete;
-    TemporaryFolder &operator=(const TemporaryFolder &) = delete;
-
-    std::string path;
-};
+using agentd::test::TemporaryFolder;
 
 enum class Way { inProcess, socket };
 
@@ -49,7 +30,7 @@ protected:
             backend::setTransport(local->transport());
             return;
         }
-        const std::string path = folder.path + "/socket";
+        const std::string path = folder.path() / "socket";
         remote = std::make_unique<Simulator>();
         server = std::make_unique<SocketServer>(*remote, path, Serves::controlAndMessages);
         backend::setTransport(backend::makeSocketTransport(path));

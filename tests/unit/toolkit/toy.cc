@@ -58,6 +58,40 @@ constexpr const char *kPaths[] = {
 
 } // namespace
 
+SlowDevice::SlowDevice(ToyBench &bench)
+{
+    bench.watch = [this, isFirst = true](const std::string &line, Value *, Value *) mutable {
+        if (line.rfind("apply", 0) != 0 || !std::exchange(isFirst, false))
+            return;
+        reached_.set_value();
+        go_.get_future().wait();
+    };
+}
+
+Status addUp(Session *, Request *msg, Value *)
+{
+    const Value *input = agt_get_rpc_input(msg), *b = val_find_child(input, "toy", "b");
+    const auto a = val_get_int64(val_find_child(input, "toy", "a"));
+    if (a < 0)
+        return kInvalidValue;
+    if (!b)
+        return kOk;
+    Object *response = obj_find_child(obj_find_child(msg->method, "toy", "output"), "toy", "response");
+    Status status = kOk;
+    const auto sum = static_cast<std::int32_t>(a + val_get_int64(b));
+    agt_rpc_add_return_val(agt_make_int_leaf(obj_find_child(response, "toy", "sum"), "sum", sum, &status),
+                           msg);
+    return status;
+}
+
+std::string joined(const std::vector<std::string> &lines)
+{
+    std::string text;
+    for (const std::string &line : lines)
+        text += (text.empty() ? "" : "; ") + line;
+    return text;
+}
+
 std::string textOf(Value *value)
 {
     if (!value)

@@ -4,6 +4,7 @@
 #include "tests/unit/support/host_bench.h"
 #include "toolkit/toolkit.h"
 
+#include <future>
 #include <map>
 
 namespace test {
@@ -26,6 +27,23 @@ public:
     // Called inside each callback with its line and arguments.
     std::function<void(const std::string &line, tk::Value *newval, tk::Value *curval)> watch;
 };
+
+// Holds the first call of apply up until it is told to go on.
+class SlowDevice {
+public:
+    explicit SlowDevice(ToyBench &bench);
+    void awaitCall() { reached_.get_future().wait(); }
+    void answer() { go_.set_value(); }
+
+private:
+    std::promise<void> reached_, go_;
+};
+
+// The toy's operation add: without b nothing comes back, and no a below zero is taken.
+Status addUp(tk::Session *, tk::Request *msg, tk::Value *);
+
+// Lines of calls as one text.
+std::string joined(const std::vector<std::string> &lines);
 
 // A value as JSON-like text: {"enabled":"true"}; "-" for null.
 std::string textOf(tk::Value *value);

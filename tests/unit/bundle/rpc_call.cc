@@ -1,4 +1,4 @@
-#include "tests/unit/operations/rpc_call.h"
+#include "tests/unit/bundle/rpc_call.h"
 
 #include <stdexcept>
 
