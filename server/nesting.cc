@@ -1,6 +1,6 @@
 #include "server/nesting.h"
 
-#include <algorithm>
+#include <vector>
 
 namespace agentd {
 namespace {
@@ -32,27 +32,35 @@ bool startsWith(std::string_view text, std::size_t at, std::string_view start)
     return text.substr(at, start.size()) == start;
 }
 
-// The place of the ">" that closes the tag at `at`, quoted attribute values skipped.
-std::size_t closeOfTag(std::string_view text, std::size_t at)
-{
-    char quote = 0;
-    for (; at < text.size(); ++at) {
-        const char c = text[at];
-        if (quote)
-            quote = c == quote ? '\0' : quote;
-        else if (c == '"' || c == '\'')
-            quote = c;
-        else if (c == '>')
-            break;
-    }
-    return at;
-}
-
-// One markup of XML at `at`: what it does to the depth, and where it ends.
+// One markup of XML: what it does to the depth, where it ends, and how many attributes it has.
 struct Markup {
     int change = 0;
     std::size_t end = 0;
+    unsigned attributes = 0;
 };
+
+// The tag at `at`: up to the next ">" that is in no attribute's value.
+Markup tagAt(std::string_view text, std::size_t at)
+{
+    Markup tag;
+    tag.change = startsWith(text, at, "</") ? -1 : 1;
+    char quote = 0;
+    for (; at < text.size(); ++at) {
+        const char c = text[at];
+        if (quote) {
+            quote = c == quote ? '\0' : quote;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+            ++tag.attributes;
+        } else if (c == '>') {
+            break;
+        }
+    }
+    if (tag.change > 0 && at < text.size() && text[at - 1] == '/')
+        tag.change = 0;
+    tag.end = at + 1;
+    return tag;
+}
 
 Markup markupAt(std::string_view text, std::size_t at)
 {
@@ -62,11 +70,7 @@ Markup markupAt(std::string_view text, std::size_t at)
         return {0, behind(text, at, "]]>")};
     if (startsWith(text, at, "<?"))
         return {0, behind(text, at, "?>")};
-    const std::size_t close = closeOfTag(text, at);
-    if (startsWith(text, at, "</"))
-        return {-1, close + 1};
-    const bool isEmptyElement = close < text.size() && text[close - 1] == '/';
-    return {isEmptyElement ? 0 : 1, close + 1};
+    return tagAt(text, at);
 }
 
 } // namespace
@@ -89,17 +93,25 @@ std::optional<std::string> jsonNestingFault(std::string_view document, unsigned 
     return std::nullopt;
 }
 
-std::optional<std::string> xmlNestingFault(std::string_view document, unsigned deepest)
+std::optional<std::string> xmlNestingFault(std::string_view document, unsigned deepest,
+                                           unsigned mostAttributes)
 {
-    unsigned depth = 0;
+    std::vector<unsigned> open; // of each element around, how many attributes count inside
     for (std::size_t at = document.find('<'); at < document.size(); at = document.find('<', at)) {
         if (startsWith(document, at, "<!DOCTYPE"))
             return "the document has a document type declaration";
         const Markup markup = markupAt(document, at);
-        if (markup.change > 0 && ++depth > deepest)
-            return tooDeep(deepest);
-        if (markup.change < 0 && depth > 0)
-            --depth;
+        const unsigned inScope = (open.empty() ? 0 : open.back()) + markup.attributes;
+        if (inScope > mostAttributes)
+            return "an element of the document has more than " + std::to_string(mostAttributes) +
+                " attributes, those of the elements around it counted in";
+        if (markup.change > 0) {
+            open.push_back(inScope);
+            if (open.size() > deepest)
+                return tooDeep(deepest);
+        }
+        if (markup.change < 0 && !open.empty())
+            open.pop_back();
         at = markup.end;
     }
     return std::nullopt;

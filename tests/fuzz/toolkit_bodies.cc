@@ -5,7 +5,9 @@
 #include "server/nesting.h"
 #include "tests/fuzz/words.h"
 #include "tests/unit/toolkit/toy.h"
+#include "toolkit/src/body.h"
 #include "toolkit/src/constraints.h"
+#include "toolkit/src/repeats.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -177,6 +179,7 @@ public:
     {
         begin();
         const std::string before = whole(Encoding::json);
+        const bool isRefused = method != Method::remove && hasRepeats(method, target, body, encoding);
         try {
             bench_.host().edit({method, bench_.target(target), body, encoding, {}, {}});
         } catch (const tk::Failure &) {
@@ -184,6 +187,8 @@ public:
                 fail("a refused edit changed running", body);
             return;
         }
+        if (isRefused)
+            fail("accepted, but refused in a large body", body);
         checkAllowed(body);
         for (const Encoding one : {Encoding::json, Encoding::xml})
             writeBack(one, body);
@@ -195,6 +200,22 @@ private:
         if (!bench_.put("", kStart).ok())
             std::abort();
         bench_.told();
+    }
+
+    // The look at large bodies must not refuse what is accepted in small ones.
+    bool hasRepeats(Method method, const char *target, const std::string &body, Encoding encoding)
+    {
+        const tk::Target where = bench_.target(target);
+        const lysc_node *schema = where.node().schema();
+        const bool isWhole = !schema && method != Method::post;
+        try {
+            tk::refuseRepeats(bench_.host().impl().context.ly(),
+                              isWhole ? tk::unwrap(body, encoding, "data") : body, encoding,
+                              schema && method != Method::post ? tk::dataParent(schema) : schema);
+        } catch (const tk::Failure &) {
+            return true;
+        }
+        return false;
     }
 
     std::string whole(Encoding encoding)

@@ -1,11 +1,13 @@
 #include "body.h"
 
 #include "errors.h"
+#include "repeats.h"
 
 #include <nlohmann/json.hpp>
 #include <pugixml.hpp>
 
 #include <cstring>
+#include <map>
 #include <sstream>
 
 namespace tk {
@@ -103,27 +105,22 @@ std::string unwrap(const std::string &body, Encoding encoding, const std::string
 
 namespace {
 
-const lysc_node *caseOf(const lysc_node *node, const lysc_node *choice)
-{
-    for (const lysc_node *up = node; up; up = up->parent)
-        if (up->parent == choice)
-            return up;
-    return nullptr;
-}
+// The case that holds data, of each choice among siblings.
+using Cases = std::map<const lysc_node *, const lysc_node *>;
 
-void checkCases(const lyd_node *node, const lyd_node *firstSibling)
+void checkCases(const lyd_node *node, Cases &cases)
 {
-    for (const lysc_node *up = node->schema->parent; up && (up->nodetype & (LYS_CHOICE | LYS_CASE));
-         up = up->parent)
-        if (up->nodetype == LYS_CHOICE)
-            for (const lyd_node *other = firstSibling; other != node; other = other->next)
-                if (const lysc_node *its = caseOf(other->schema, up); its && its != caseOf(node->schema, up))
-                    throw badElement(instancePath(node), "Only one case of a choice can hold data.");
+    const lysc_node *below = node->schema;
+    for (const lysc_node *up = below->parent; up && (up->nodetype & (LYS_CHOICE | LYS_CASE));
+         below = up, up = up->parent)
+        if (up->nodetype == LYS_CHOICE && cases.emplace(up, below).first->second != below)
+            throw badElement(instancePath(node), "Only one case of a choice can hold data.");
 }
 
 // What libyang lets pass when it only parses: the same node twice, two cases of one choice.
 void checkShape(const lyd_node *firstSibling)
 {
+    Cases cases;
     for (const lyd_node *node = firstSibling; node; node = node->next) {
         if (!node->schema)
             throw malformed("The body holds something that is no data.");
@@ -135,7 +132,7 @@ void checkShape(const lyd_node *firstSibling)
             first = node->next;
         if (first && first != node && isConfigNode(node->schema))
             throw badElement(instancePath(node), "The same node stands twice in the body.");
-        checkCases(node, firstSibling);
+        checkCases(node, cases);
         checkShape(lyd_child(node));
     }
 }
@@ -169,8 +166,6 @@ public:
     std::string attribute; // the first metadata member
 };
 
-} // namespace
-
 void scanJson(const std::string &text)
 {
     JsonScan scan;
@@ -181,13 +176,25 @@ void scanJson(const std::string &text)
     throw unknownAttribute("", scan.attribute.substr(1), scan.attribute);
 }
 
+// Copies in a text of this size cost libyang no more than milliseconds.
+constexpr std::size_t kSmallBody = 32 * 1024;
+
+} // namespace
+
+void scanBody(const ly_ctx *context, const std::string &text, Encoding encoding, const lysc_node *parent)
+{
+    if (encoding == Encoding::json)
+        scanJson(text);
+    if (text.size() > kSmallBody)
+        refuseRepeats(context, text, encoding, parent);
+}
+
 namespace {
 
 void parse(const ly_ctx *context, const std::string &text, Encoding encoding, std::uint32_t options,
            lyd_node *parent, Tree &tree)
 {
-    if (encoding == Encoding::json)
-        scanJson(text);
+    scanBody(context, text, encoding, parent ? parent->schema : nullptr);
     ly_in *in = nullptr;
     if (ly_in_new_memory(text.c_str(), &in))
         throw malformed("The body cannot be read.");

@@ -9,8 +9,9 @@ namespace tk {
 // {"x:name": <this>} or <name><this></name>. Throws Failure.
 std::string unwrap(const std::string &body, Encoding encoding, const std::string &name);
 
-// Throws Failure for what is no JSON, and for metadata in it ("@name"): nobody takes orders by it.
-void scanJson(const std::string &text);
+// Throws Failure for what libyang's parser must not see below a node of this schema (null: at the top): what
+// is no JSON, metadata in JSON ("@name"; nobody takes orders by it), the same node many times.
+void scanBody(const ly_ctx *context, const std::string &text, Encoding encoding, const lysc_node *parent);
 
 // Parses configuration below `parent` (null: at the top, into `tree`). Strict, without checks beyond types.
 void parseConfig(const ly_ctx *context, const std::string &text, Encoding encoding, lyd_node *parent,

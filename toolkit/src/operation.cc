@@ -30,8 +30,7 @@ Tree parseInput(const Context &context, const Target::Node &target, const std::s
     lyd_node *parent = nullptr, *parsed = nullptr;
     Tree tree = buildSteps(target, target.steps.size() - 1, &parent);
     const std::string text = named(target.schema(), input, encoding);
-    if (encoding == Encoding::json)
-        scanJson(text);
+    scanBody(context.ly(), text, encoding, parent ? parent->schema : nullptr);
     ly_in *in = nullptr;
     if (ly_in_new_memory(text.c_str(), &in))
         throw malformed("The input cannot be read.");
