@@ -280,25 +280,25 @@ void Arena::checkDevice(const Step &step) const
     check(device_.instances == instancesOf(model_.data()), "the callbacks hold other instances", step);
 }
 
-std::optional<Position> somePosition(const Path &path, tk::Method method, FuzzedDataProvider &choose)
+std::optional<Position> somePosition(const Path &path, tk::Method method, fuzz::Choices &choose)
 {
     using tk::InsertWhere;
-    if (path.empty() || !path.back().schema->isOrdered || !choose.ConsumeBool() ||
+    if (path.empty() || !path.back().schema->isOrdered || !choose.yes() ||
         (method != tk::Method::put && method != tk::Method::post))
         return std::nullopt;
-    Position position{choose.PickValueInArray(
-                          {InsertWhere::first, InsertWhere::last, InsertWhere::before, InsertWhere::after}),
-                      nullptr};
+    Position position{
+        choose.oneOf({InsertWhere::first, InsertWhere::last, InsertWhere::before, InsertWhere::after}),
+        nullptr};
     if (position.where == InsertWhere::before || position.where == InsertWhere::after)
-        position.point = choose.PickValueInArray({"a", "b", "c"});
+        position.point = choose.oneOf({"a", "b", "c"});
     return position;
 }
 
-Step someStep(FuzzedDataProvider &choose)
+Step someStep(fuzz::Choices &choose)
 {
     using tk::Method;
     Step step;
-    step.method = choose.PickValueInArray({Method::put, Method::patch, Method::post, Method::remove});
+    step.method = choose.oneOf({Method::put, Method::patch, Method::post, Method::remove});
     step.path = somePath(choose);
     if (step.path.empty() && (step.method == Method::post || step.method == Method::remove))
         step.method = Method::patch;
@@ -306,7 +306,7 @@ Step someStep(FuzzedDataProvider &choose)
     const json key = step.path.empty() ? json() : step.path.back().key;
     if (step.method != Method::remove)
         step.value = someValue(step.path.empty() ? datastore() : *step.path.back().schema, choose, key);
-    step.refusedCall = choose.ConsumeBool() ? choose.ConsumeIntegralInRange(1U, 12U) : 0;
+    step.refusedCall = choose.yes() ? choose.number(1U, 12U) : 0;
     return step;
 }
 
@@ -318,8 +318,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (size > kLongestInput)
         return 0;
     arena.begin();
-    FuzzedDataProvider choose(data, size);
-    while (choose.remaining_bytes() > 0)
+    fuzz::Choices choose(data, size);
+    while (!choose.isUsedUp())
         arena.carryOut(someStep(choose));
     return 0;
 }

@@ -270,24 +270,23 @@ void gather(const Schema &schema, const json &value, const std::string &path, co
     }
 }
 
-json someLeaf(const Schema &schema, FuzzedDataProvider &choose)
+json someLeaf(const Schema &schema, Choices &choose)
 {
-    static constexpr const char *words[] = {"a", "b", "c"};
     if (schema.kind == Kind::truth)
-        return choose.ConsumeBool();
+        return choose.yes();
     if (schema.kind == Kind::number)
-        return choose.PickValueInArray({1, 2, 7}); // 7 is a default
-    return choose.PickValueInArray(words);
+        return choose.oneOf({1, 2, 7}); // 7 is a default
+    return choose.oneOf({"a", "b", "c"});
 }
 
-json someEntry(const Schema &schema, FuzzedDataProvider &choose, const json &key)
+json someEntry(const Schema &schema, Choices &choose, const json &key)
 {
     json entry = json::object();
-    int branch = choose.ConsumeIntegralInRange(1, 2);
+    int branch = choose.number(1, 2);
     for (const Schema &child : schema.children) {
         if (schema.kind == Kind::list && child.name == schema.key())
             entry[child.name] = key.is_null() ? someLeaf(child, choose) : key;
-        else if (choose.ConsumeIntegralInRange(0, 2) == 0 && (child.branch == 0 || child.branch == branch))
+        else if (choose.number(0, 2) == 0 && (child.branch == 0 || child.branch == branch))
             entry[child.name] = someValue(child, choose);
     }
     return entry;
@@ -318,14 +317,14 @@ std::string bodyOf(const Path &path, const json &value)
     return json{{name, schema.isList() ? json::array({value}) : value}}.dump();
 }
 
-Path somePath(FuzzedDataProvider &choose)
+Path somePath(Choices &choose)
 {
     Path path;
     const Schema *at = &kDatastore;
-    while (!at->children.empty() && choose.ConsumeIntegralInRange(0, 4) != 0) {
+    while (!at->children.empty() && choose.number(0, 4) != 0) {
         // Not the key: it goes with its entry.
         const std::size_t first = at->kind == Kind::list ? 1 : 0;
-        at = &at->children[choose.ConsumeIntegralInRange<std::size_t>(first, at->children.size() - 1)];
+        at = &at->children[choose.number<std::size_t>(first, at->children.size() - 1)];
         json key;
         if (at->kind == Kind::list)
             key = someLeaf(at->children.front(), choose);
@@ -337,13 +336,13 @@ Path somePath(FuzzedDataProvider &choose)
 }
 
 // Of a list or leaf-list without a key: all its entries.
-json someValue(const Schema &schema, FuzzedDataProvider &choose, const json &key)
+json someValue(const Schema &schema, Choices &choose, const json &key)
 {
     if (schema.kind == Kind::values && !key.is_null())
         return key;
     if (schema.isList() && key.is_null()) {
         json entries = json::array();
-        for (unsigned i = choose.ConsumeIntegralInRange(1U, 3U); i > 0; --i) {
+        for (unsigned i = choose.number(1U, 3U); i > 0; --i) {
             const json entry =
                 schema.kind == Kind::list ? someEntry(schema, choose, key) : someLeaf(schema, choose);
             if (find(schema, entries, keyOf(schema, entry)) == entries.end())

@@ -1,9 +1,9 @@
 // What the toy module's data look like without a datastore: JSON that an edit is applied to by the book.
 #pragma once
 
+#include "tests/fuzz/choices.h"
 #include "toolkit/host.h"
 
-#include <fuzzer/FuzzedDataProvider.h>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -50,8 +50,8 @@ struct Position {
 };
 
 // Random choices: some resource, and some value of it.
-Path somePath(FuzzedDataProvider &choose);
-json someValue(const Schema &schema, FuzzedDataProvider &choose, const json &key = nullptr);
+Path somePath(Choices &choose);
+json someValue(const Schema &schema, Choices &choose, const json &key = nullptr);
 
 // The data of a toy host. An edit that has to be refused leaves them alone and returns the error-tag.
 class Model {
