@@ -352,8 +352,6 @@ void curve(RestconfClient &restconf, NetconfClient &netconf)
                     edits[1] * 1e6);
         if (size == 0) {
             std::copy(std::begin(edits), std::end(edits), std::begin(first));
-            std::printf("  RESTCONF: %.2f no-ops, aim 2: %s\n", edits[0] / nothing,
-                        verdict(edits[0] <= 2 * nothing));
         }
         if (size == 40'000)
             for (int i = 0; i < 2; ++i)
@@ -424,10 +422,12 @@ void print(const Rate &of, double nothing)
 void rates(const Agent &agent, RestconfClient &restconf, NetconfClient &netconf)
 {
     const double nothing = alone(5'000, [&](int) { restconf.must(http::verb::get, kNothing); });
+    const double edits = alone(5'000, [&](int turn) { restconf.edit(turn); });
+    std::printf("an edit over RESTCONF costs %.2f no-ops, aim 2: %s\n", nothing / edits,
+                verdict(nothing <= 2 * edits));
     for (const Rate &rate : {
              Rate{"RESTCONF no-ops, one connection", nothing, 0},
-             Rate{"RESTCONF edits, one connection", alone(5'000, [&](int turn) { restconf.edit(turn); }),
-                  5'000},
+             Rate{"RESTCONF edits, one connection", edits, 5'000},
              Rate{"RESTCONF edits, eight connections", together(agent, 8, 1'000, edit), 0},
              Rate{"NETCONF edits, one session", alone(5'000, [&](int turn) { netconf.edit(turn); }), 3'500},
              Rate{"RESTCONF state reads, one connection",

@@ -19,10 +19,13 @@
 #include <boost/asio/steady_timer.hpp>
 #include <csignal>
 #include <cstdlib>
+#include <future>
 #include <iostream>
 #include <memory>
 #include <thread>
 #include <vector>
+
+#include <malloc.h>
 
 namespace agentd {
 namespace {
@@ -30,6 +33,7 @@ namespace {
 namespace net = boost::asio;
 using Clock = std::chrono::steady_clock;
 
+// A callback may hold one of them at a time.
 constexpr int kThreads = 2;
 constexpr std::size_t kWaitingCallbacks = 64, kWaitingHashes = 64;
 // Together below the second that a stop may take.
@@ -57,19 +61,20 @@ private:
     void beginStop();
     void awaitEnd(Clock::time_point deadline);
     void serveOnThisThread();
-    void finishStop();
+    void endCallbacks();
 
     FileHandle folder_;
     net::io_context io_{kThreads};
     net::signal_set signals_{io_};
     net::steady_timer grace_{io_};
+    std::promise<void> mayEnd_;
     std::unique_ptr<Users> users_;
     std::unique_ptr<Audit> audit_;
     std::unique_ptr<Device> device_;
     std::unique_ptr<tk::Host> host_;
     std::unique_ptr<tk::Datastores> stores_;
     LoginGuard guard_;
-    Worker callbacks_{kWaitingCallbacks};
+    Worker callbacks_{kWaitingCallbacks, Worker::Callers::help};
     Worker hashing_{kWaitingHashes};
     std::vector<std::unique_ptr<FrontEnd>> frontEnds_;
 };
@@ -130,13 +135,15 @@ void Agent::run()
     for (const auto &frontEnd : frontEnds_)
         frontEnd->start();
     announce();
-    std::vector<std::thread> others;
-    for (int i = 1; i < kThreads; ++i)
-        others.emplace_back([this] { serveOnThisThread(); });
-    serveOnThisThread();
-    for (std::thread &thread : others)
+    // This one only waits for the end: each of the others can be held by a callback.
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i)
+        threads.emplace_back([this] { serveOnThisThread(); });
+    mayEnd_.get_future().wait();
+    endCallbacks();
+    for (std::thread &thread : threads)
         thread.join();
-    finishStop();
+    stores_->finishSaving(); // those who wait for it are the front ends'
 }
 
 void Agent::announce() const
@@ -170,8 +177,10 @@ void Agent::awaitEnd(Clock::time_point deadline)
 {
     const bool haveEnded = std::all_of(frontEnds_.begin(), frontEnds_.end(),
                                        [](const auto &frontEnd) { return frontEnd->hasEnded(); });
-    if (haveEnded || Clock::now() >= deadline)
-        return io_.stop();
+    if (haveEnded || Clock::now() >= deadline) {
+        io_.stop();
+        return mayEnd_.set_value();
+    }
     grace_.expires_after(kGracePoll);
     grace_.async_wait([this, deadline](const boost::system::error_code &) { awaitEnd(deadline); });
 }
@@ -191,15 +200,13 @@ void Agent::serveOnThisThread()
 
 // A callback that waits for a silent daemon cannot be called off. Nothing that is worth keeping is in memory
 // only, so the process ends around it.
-void Agent::finishStop()
+void Agent::endCallbacks()
 {
     device_->interrupt();
     const auto deadline = Clock::now() + kGraceForCallbacks;
     const bool hashesEnded = hashing_.stop(deadline);
-    if (callbacks_.stop(deadline) && hashesEnded) {
-        stores_->finishSaving(); // those who wait for it are the front ends'
+    if (callbacks_.stop(deadline) && hashesEnded)
         return;
-    }
     log_error("agentd: stopped while a request waited for the switch\n");
     std::_Exit(EXIT_SUCCESS);
 }
@@ -209,6 +216,10 @@ void Agent::finishStop()
 int serve(const ServeOptions &options)
 try {
     std::signal(SIGPIPE, SIG_IGN);
+#ifdef M_ARENA_MAX
+    // One heap for all threads: with one each, data that several have edited take a quarter more memory.
+    mallopt(M_ARENA_MAX, 1);
+#endif
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error like a full disk
     Agent(options).run();
     return EXIT_SUCCESS;

@@ -142,7 +142,21 @@ void HttpSession::readHeader()
     parser_->header_limit(static_cast<std::uint32_t>(environment_.limits.headerBytes));
     parser_->body_limit(environment_.limits.bodyBytes);
     allow(environment_.limits.header);
+    const std::size_t before = buffer_.size();
+    const Error error = parseBuffered();
+    if (error || parser_->is_header_done())
+        return onHeader(error, before - buffer_.size());
     http::async_read_header(stream_, buffer_, *parser_, then(&HttpSession::onHeader));
+}
+
+// Most requests come in one piece: then neither their header nor their body needs another turn on the strand.
+auto HttpSession::parseBuffered() -> Error
+{
+    Error error;
+    while (!error && buffer_.size() > 0 &&
+           !(parser_->eager() ? parser_->is_done() : parser_->is_header_done()))
+        buffer_.consume(parser_->put(buffer_.data(), error));
+    return error == http::error::need_more ? Error() : error;
 }
 
 void HttpSession::onHeader(Error error, std::size_t count)
@@ -197,6 +211,9 @@ void HttpSession::inviteBody()
 
 void HttpSession::readBody()
 {
+    parser_->eager(true);
+    if (const Error error = parseBuffered())
+        return refuseUnreadable(error);
     if (parser_->is_done())
         return serve();
     allow(environment_.limits.body);

@@ -48,6 +48,7 @@ private:
     void awaitRequest();
     void onFirstBytes(Error error, std::size_t count);
     void readHeader();
+    Error parseBuffered();
     void onHeader(Error error, std::size_t count);
     void authenticate();
     void onLogin(Login login);

@@ -117,9 +117,10 @@ public:
     std::string invoke(const std::string &operation);
 
     // Edits that Host::edit() reports as EditOutcome::record with EditRequest::saveLater are on disk, or
-    // cannot be: calls `done` with what went wrong or with null, from any thread and perhaps at once.
+    // cannot be: calls `done` with what went wrong or with null, from any thread and perhaps at once. A
+    // caller that may wait for the disk saves two changes of threads where nobody else waits for it.
     using Saved = std::function<void(const Failure *)>;
-    void whenSaved(std::uint64_t record, Saved done);
+    void whenSaved(std::uint64_t record, Saved done, bool mayWait = false);
     // Comes back when all that was written is on disk, or cannot be, and everybody who waits for it was told.
     void finishSaving();
 

@@ -17,11 +17,12 @@ namespace agentd::restconf {
 
 struct Call {
     HttpRequest request;
-    SplitTarget uri;                  // points into the request
-    Offer answer;                     // what the client reads
-    std::optional<tk::Target> target; // of data resources and operations
-    std::optional<ResourceKind> kind; // once it is known
-    std::uint64_t record = 0;         // of an edit that is carried out and not yet safely on disk
+    SplitTarget uri{};                  // points into the request
+    Offer answer{};                     // what the client reads
+    std::optional<tk::Target> target{}; // of data resources and operations
+    std::optional<ResourceKind> kind{}; // once it is known
+    std::uint64_t record = 0;           // of an edit that is carried out and not yet safely on disk
+    HttpResponse response{};            // once it is carried out
 };
 
 // What is left to do when a request was understood.

@@ -122,23 +122,25 @@ Handler::Handler(tk::Host &host, Worker &callbacks, Audit &audit, tk::Datastores
 
 void Handler::serve(HttpRequest request, Reply reply)
 {
-    const auto call = std::make_shared<Call>(Call{std::move(request), {}, {}, {}, {}});
+    const auto call = std::make_shared<Call>(Call{.request = std::move(request)});
     call->uri = splitTarget(targetOf(call->request.message));
     call->answer = errorOffer(call->request.message);
     std::optional<Plan> ready;
-    HttpResponse refusal = attempt(*call, [&] {
+    call->response = attempt(*call, [&] {
         ready = plan(call);
         return HttpResponse();
     });
     if (ready)
         carryOut(call, std::move(*ready), reply);
     else
-        finish(*call, std::move(refusal), reply);
+        finish(*call, reply);
 }
 
 HttpResponse Handler::refuse(HttpFault fault, const HttpRequest &request)
 {
-    Call call{request, splitTarget(targetOf(request.message)), errorOffer(request.message), {}, {}};
+    Call call{.request = request};
+    call.uri = splitTarget(targetOf(request.message));
+    call.answer = errorOffer(request.message);
     HttpResponse response = answerOf(call, faultError(fault));
     complete(response, request.message.method());
     if (response.result_int() == kUnauthorized)
@@ -211,32 +213,37 @@ Plan Handler::planApi(const CallPointer &call) const
 
 void Handler::carryOut(const CallPointer &call, Plan plan, const Reply &reply)
 {
-    auto job = [this, call, run = std::move(plan.run), reply] {
-        finishSaved(call, attempt(*call, run), reply);
-    };
-    if (!plan.blocks)
+    const auto job = [this, call, run = std::move(plan.run)] { call->response = attempt(*call, run); };
+    const auto after = [this, call, reply](bool mayWait) { finishSaved(call, reply, mayWait); };
+    if (!plan.blocks) {
         job();
-    else if (!callbacks_.post(std::move(job)))
-        finish(*call, answerOf(*call, busy("too many requests wait for the switch")), reply);
+        finish(*call, reply);
+    } else if (!callbacks_.carryOut(job, after)) {
+        call->response = answerOf(*call, busy("too many requests wait for the switch"));
+        finish(*call, reply);
+    }
 }
 
 // While one edit is written to the disk the next one is carried out, and they share what comes next.
-void Handler::finishSaved(const CallPointer &call, HttpResponse response, const Reply &reply)
+void Handler::finishSaved(const CallPointer &call, const Reply &reply, bool mayWait)
 {
     if (!call->record || !stores_)
-        return finish(*call, std::move(response), reply);
-    stores_->whenSaved(call->record, [this, call, response, reply](const tk::Failure *failure) {
-        finish(*call, failure ? answerOf(*call, *failure) : response, reply);
-    });
+        return finish(*call, reply);
+    const auto saved = [this, call, reply](const tk::Failure *failure) {
+        if (failure)
+            call->response = answerOf(*call, *failure);
+        finish(*call, reply);
+    };
+    stores_->whenSaved(call->record, saved, mayWait);
 }
 
-void Handler::finish(const Call &call, HttpResponse response, const Reply &reply)
+void Handler::finish(Call &call, const Reply &reply)
 {
     const http::verb verb = call.request.message.method();
-    complete(response, verb);
+    complete(call.response, verb);
     if (!changesNothing(verb))
-        record(call.request, call.uri.path, response.result_int());
-    reply(std::move(response));
+        record(call.request, call.uri.path, call.response.result_int());
+    reply(std::move(call.response));
 }
 
 // The one place where exceptions end: nothing that a request causes gets further.

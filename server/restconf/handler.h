@@ -35,8 +35,8 @@ private:
     Plan planAction(Action action, const CallPointer &call) const;
     Plan planApi(const CallPointer &call) const;
     void carryOut(const CallPointer &call, Plan plan, const Reply &reply);
-    void finishSaved(const CallPointer &call, HttpResponse response, const Reply &reply);
-    void finish(const Call &call, HttpResponse response, const Reply &reply);
+    void finishSaved(const CallPointer &call, const Reply &reply, bool mayWait);
+    void finish(Call &call, const Reply &reply);
     HttpResponse attempt(const Call &call, const std::function<HttpResponse()> &action) const;
     HttpResponse answerOf(const Call &call, const RequestError &error) const;
     HttpResponse answerOf(const Call &call, const tk::Failure &failure) const;

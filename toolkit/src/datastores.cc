@@ -269,24 +269,26 @@ std::unique_ptr<EditKeeper::Edit> Datastores::Impl::begin()
 void Datastores::Impl::awaitSaved(std::uint64_t record)
 {
     std::promise<void> saved;
-    whenSaved(record, [&saved](const Failure *failure) {
+    const auto done = [&saved](const Failure *failure) {
         if (failure)
             saved.set_exception(std::make_exception_ptr(*failure));
         else
             saved.set_value();
-    });
+    };
+    whenSaved(record, done, true);
     saved.get_future().get();
 }
 
-void Datastores::Impl::whenSaved(std::uint64_t record, Saved done)
+void Datastores::Impl::whenSaved(std::uint64_t record, Saved done, bool mayWait)
 {
-    storage_.whenSaved(record, [done = std::move(done)](const std::string *reason) {
+    const auto tell = [done = std::move(done)](const std::string *reason) {
         if (!reason)
             return done(nullptr);
         const Failure failure =
             operationFailed({}, "The edit was carried out but could not be saved: " + *reason);
         done(&failure);
-    });
+    };
+    storage_.whenSaved(record, tell, mayWait);
 }
 
 // Reading
@@ -684,9 +686,9 @@ std::string Datastores::invoke(const std::string &operation)
     return impl_->invoke(operation);
 }
 
-void Datastores::whenSaved(std::uint64_t record, Saved done)
+void Datastores::whenSaved(std::uint64_t record, Saved done, bool mayWait)
 {
-    impl_->whenSaved(record, std::move(done));
+    impl_->whenSaved(record, std::move(done), mayWait);
 }
 
 void Datastores::finishSaving()

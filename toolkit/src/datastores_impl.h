@@ -34,7 +34,7 @@ public:
     void takeBackUnconfirmed();
     std::optional<LockInfo> lockOf(Datastore store) const;
     std::string invoke(const std::string &operation);
-    void whenSaved(std::uint64_t record, Saved done);
+    void whenSaved(std::uint64_t record, Saved done, bool mayWait);
     void finishSaving() { storage_.finishSaving(); }
 
     Tree copyStore(Datastore store) const;

@@ -131,7 +131,7 @@ Storage::~Storage()
         const std::lock_guard lock(mutex_);
         isStopping_ = true;
     }
-    changed_.notify_all();
+    changed_.notify_one();
     syncer_.join();
     if (descriptor_ >= 0)
         ::close(descriptor_);
@@ -268,9 +268,7 @@ std::uint64_t Storage::append(std::string_view payload)
     }
     beforeLast_ = logSize_;
     logSize_ += record.size();
-    ++written_;
-    changed_.notify_all();
-    return written_;
+    return ++written_;
 }
 
 void Storage::takeBack(std::uint64_t record) noexcept
@@ -285,13 +283,16 @@ void Storage::takeBack(std::uint64_t record) noexcept
         logSize_ = beforeLast_;
 }
 
-void Storage::whenSaved(std::uint64_t record, Saved done)
+void Storage::whenSaved(std::uint64_t record, Saved done, bool mayWait)
 {
     std::optional<std::string> failure;
     {
-        const std::lock_guard lock(mutex_);
+        std::unique_lock lock(mutex_);
+        if (mayWait && record > saved_ && !broken_ && !isSyncing_ && waiting_.empty())
+            sync(lock);
         if (record > saved_ && !broken_) {
             waiting_.emplace(record, std::move(done));
+            changed_.notify_one();
             return;
         }
         if (record > saved_)
@@ -303,7 +304,9 @@ void Storage::whenSaved(std::uint64_t record, Saved done)
 void Storage::finishSaving()
 {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return (written_ <= saved_ || broken_) && !isSyncing_ && !isTelling_; });
+    wanted_ = written_;
+    changed_.notify_one();
+    synced_.wait(lock, [this] { return (written_ <= saved_ || broken_) && !isSyncing_ && !isTelling_; });
 }
 
 void Storage::rewrite(const std::optional<std::string> &base, bool sameData)
@@ -352,31 +355,39 @@ bool Storage::isBroken() const
 
 void Storage::awaitSyncer(std::unique_lock<std::mutex> &lock)
 {
-    changed_.wait(lock, [this] { return !isSyncing_; });
+    synced_.wait(lock, [this] { return !isSyncing_; });
 }
 
-// One sync serves all records that were written when it began.
 void Storage::run()
 {
     std::unique_lock lock(mutex_);
-    for (;;) {
-        changed_.wait(lock, [this] { return isStopping_ || (written_ > saved_ && !broken_); });
-        if (written_ <= saved_ || broken_)
-            return;
-        const std::uint64_t upTo = written_;
-        isSyncing_ = true;
-        lock.unlock();
-        const int result = ::fdatasync(descriptor_);
-        const int reason = errno;
-        lock.lock();
-        isSyncing_ = false;
-        if (result == 0)
-            saved_ = std::max(saved_, upTo);
-        else
-            broken_ = log_.string() + ": " + std::strerror(reason);
-        changed_.notify_all();
+    const auto isUnsaved = [this] { return written_ > saved_ && !broken_; };
+    const auto isAwaited = [&] { return !waiting_.empty() || (wanted_ > saved_ && !broken_); };
+    while (!isStopping_ || isUnsaved()) {
+        changed_.wait(lock, [&] { return !isSyncing_ && (isStopping_ || isAwaited()); });
+        if (isUnsaved())
+            sync(lock);
         finish(lock);
     }
+}
+
+// One sync serves all records that were written when it began.
+void Storage::sync(std::unique_lock<std::mutex> &lock)
+{
+    const std::uint64_t upTo = written_;
+    isSyncing_ = true;
+    lock.unlock();
+    const int result = ::fdatasync(descriptor_);
+    const int reason = errno;
+    lock.lock();
+    isSyncing_ = false;
+    if (result == 0)
+        saved_ = std::max(saved_, upTo);
+    else
+        broken_ = log_.string() + ": " + std::strerror(reason);
+    synced_.notify_all();
+    if (!waiting_.empty())
+        changed_.notify_one();
 }
 
 // Tells those who wait, without the lock: they may ask for more.
@@ -394,7 +405,7 @@ void Storage::finish(std::unique_lock<std::mutex> &lock)
         tell(failure ? &*failure : nullptr);
     lock.lock();
     isTelling_ = false;
-    changed_.notify_all();
+    synced_.notify_all();
 }
 
 } // namespace tk

@@ -50,9 +50,10 @@ public:
     // Takes back the record that was appended last.
     void takeBack(std::uint64_t record) noexcept;
 
-    // Calls `done` once the record is safely on disk, with null, or with the reason why it never will be.
+    // Calls `done` once the record is safely on disk, with null, or with the reason why it never will be. A
+    // caller that may wait syncs it itself if nobody else is about to.
     using Saved = std::function<void(const std::string *)>;
-    void whenSaved(std::uint64_t record, Saved done);
+    void whenSaved(std::uint64_t record, Saved done, bool mayWait = false);
     // Waits until nothing is left to be synced and everybody was told.
     void finishSaving();
 
@@ -73,15 +74,18 @@ private:
     void keepPrevious() const;
     void openLog();
     void run();
+    void sync(std::unique_lock<std::mutex> &lock);
     void finish(std::unique_lock<std::mutex> &lock);
     void awaitSyncer(std::unique_lock<std::mutex> &lock);
 
     const std::filesystem::path folder_, base_, log_;
     mutable std::mutex mutex_;
-    std::condition_variable changed_;
+    std::condition_variable changed_; // for the syncer
+    std::condition_variable synced_;  // for those who wait for it
     int descriptor_ = -1;
     std::size_t logSize_ = 0, baseSize_ = 0, beforeLast_ = 0;
     std::uint64_t written_ = 0, saved_ = 0; // numbers of records
+    std::uint64_t wanted_ = 0;              // up to which somebody waits for all to be saved
     std::optional<std::string> broken_;
     bool hasBase_ = false, isSyncing_ = false, isTelling_ = false, isStopping_ = false;
     std::multimap<std::uint64_t, Saved> waiting_;

@@ -1,11 +1,14 @@
 // What is read back when the files of startup are damaged or cannot be written.
 #include "server/files.h"
 #include "tests/unit/netconf/stores_bench.h"
+#include "toolkit/src/storage.h"
 
+#include <atomic>
 #include <csignal>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <sys/resource.h>
+#include <thread>
 
 namespace test {
 namespace {
@@ -195,6 +198,27 @@ TEST(FullDiskRefuses, AnEditBeforeAnyCallbackHearsOfIt)
     bench.restart();
     EXPECT_EQ(bench.running(), top("<plain>x</plain><number>1</number>"));
     EXPECT_THAT(bench.complaints, IsEmpty());
+}
+
+TEST(Storage, TellsEverybodyWhoeverSyncs)
+{
+    const agentd::test::TemporaryFolder folder;
+    tk::Storage storage(folder.path());
+    std::vector<std::string> complaints;
+    storage.open(complaints);
+    std::atomic<int> told = 0;
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 100; ++i)
+                storage.whenSaved(
+                    storage.append("an edit"), [&](const std::string *reason) { told += reason ? 0 : 1; },
+                    i % 2 == 0);
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    storage.finishSaving();
+    EXPECT_EQ(told, 400);
 }
 
 } // namespace

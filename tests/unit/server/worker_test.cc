@@ -71,5 +71,44 @@ TEST(Worker, StopGivesUpAtItsDeadline)
     blocker->release.set_value();
 }
 
+TEST(Worker, ItsCallersHelpWhereNothingWaits)
+{
+    Worker worker(2, Worker::Callers::help);
+    std::thread::id thread;
+    bool isCallers = false;
+    ASSERT_TRUE(
+        worker.carryOut([&] { thread = std::this_thread::get_id(); }, [&](bool is) { isCallers = is; }));
+    EXPECT_EQ(thread, std::this_thread::get_id());
+    EXPECT_TRUE(isCallers);
+}
+
+TEST(Worker, OneCallerAtATimeIsHeld)
+{
+    Blocker blocker;
+    Worker worker(2, Worker::Callers::help);
+    std::thread held([&] { EXPECT_TRUE(worker.carryOut(blocker.job(), [](bool) {})); });
+    blocker.began.get_future().wait();
+    EXPECT_FALSE(worker.stop(steady_clock::now() + 20ms)) << "a job still runs";
+    EXPECT_FALSE(worker.carryOut([] {}, [](bool) {}));
+    blocker.release.set_value();
+    held.join();
+}
+
+TEST(Worker, TheNextWaitsBehindAHeldCaller)
+{
+    Blocker blocker;
+    Worker worker(1, Worker::Callers::help);
+    std::thread held([&] { EXPECT_TRUE(worker.carryOut(blocker.job(), [](bool) {})); });
+    blocker.began.get_future().wait();
+    std::promise<bool> next;
+    auto isCallers = next.get_future();
+    EXPECT_TRUE(worker.carryOut([] {}, [&](bool is) { next.set_value(is); }));
+    EXPECT_FALSE(worker.carryOut([] {}, [](bool) {})) << "no more than may wait";
+    EXPECT_EQ(isCallers.wait_for(20ms), std::future_status::timeout);
+    blocker.release.set_value();
+    EXPECT_FALSE(isCallers.get());
+    held.join();
+}
+
 } // namespace
 } // namespace agentd
