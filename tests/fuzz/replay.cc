@@ -2,8 +2,7 @@
 // every time. usage: fuzz_TARGET SEEDS [CHANGES]; a single input that a fuzzer wrote: fuzz_TARGET --input
 // FILE
 //
-// Seeds stand in one file behind one another, each with its length in two bytes, big-endian, in front
-// (tools/seeds packs them).
+// A file of seeds holds hexadecimal words, one a seed (tools/seeds packs them).
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <string>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
@@ -31,16 +31,12 @@ Input contentOf(const char *path)
 
 std::vector<Input> seedsOf(const char *path)
 {
-    const Input all = contentOf(path);
+    std::ifstream file(path);
     std::vector<Input> seeds;
-    for (std::size_t at = 0; at + 2 <= all.size();) {
-        const std::size_t length = all[at] * 256U + all[at + 1];
-        at += 2;
-        if (length > all.size() - at)
-            break;
-        seeds.emplace_back(all.begin() + static_cast<std::ptrdiff_t>(at),
-                           all.begin() + static_cast<std::ptrdiff_t>(at + length));
-        at += length;
+    for (std::string word; file >> word;) {
+        Input &seed = seeds.emplace_back();
+        for (std::size_t at = 0; at + 2 <= word.size(); at += 2)
+            seed.push_back(static_cast<std::uint8_t>(std::stoul(word.substr(at, 2), nullptr, 16)));
     }
     return seeds;
 }

@@ -90,9 +90,12 @@ std::string Datastores::Impl::readTree(const GetRequest &request, const DataFilt
         return {};
     Answer answer;
     collect(request, pieces, answer);
-    if (addsDefaults(request.withDefaults))
-        lyd_new_implicit_all(&answer.root, context(), LYD_IMPLICIT_NO_STATE, nullptr);
+    // Before the defaults are added: libyang takes containers without explicit data for complete.
     dropIdle(&answer.root, request.withDefaults == WithDefaults::trim);
+    if (addsDefaults(request.withDefaults)) {
+        lyd_new_implicit_all(&answer.root, context(), LYD_IMPLICIT_NO_STATE, nullptr);
+        dropIdle(&answer.root, false);
+    }
     if (filter)
         keepSelected(&answer.root, filter->select(answer.root));
     return print(answer.root, request.withDefaults);

@@ -150,6 +150,8 @@ TEST(Defaults, AreShownAsAsked)
         {R"({"plain":"a"})", WithDefaults::reportAll, number + "<plain/>", "<plain>a</plain>" + number},
         {R"({"plain":"a"})", WithDefaults::reportAllTagged, "<number/>", tagged},
         {R"({"number":7})", WithDefaults::reportAllTagged, "<number/>", number},
+        {"{}", WithDefaults::reportAll, "<number/>", number},
+        {"{}", WithDefaults::reportAllTagged, "<number/>", tagged},
     };
     for (const auto &[running, mode, filter, selected] : table) {
         StoresBench bench(running);

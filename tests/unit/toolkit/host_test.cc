@@ -40,6 +40,49 @@ TEST(Refuses, AndRunningStays)
     }
 }
 
+// Large bodies are looked through for copies before they are read.
+TEST(LargeBodies, MayRepeatOnlyWhatDiffers)
+{
+    const std::string first = "/toy:top/entry[name='0']";
+    std::string json, xml;
+    for (int i = 0; i < 1000; ++i) {
+        const std::string id = std::to_string(i);
+        json += std::string(i ? "," : "") + R"({"name":")" + id +
+            R"(","own":"o","sub":[{"id":1},{"id":2,"text":"1"}]})";
+        xml +=
+            "<entry><own>o</own><sub><id>1</id></sub><sub><id> 2 </id></sub><name>" + id + "</name></entry>";
+    }
+    const struct {
+        Encoding encoding;
+        std::string more, path; // of the error; empty: there is none
+    } cases[] = {
+        {Encoding::json, R"({"name":"x"}],"words":["a","b"])", ""},
+        {Encoding::json, R"({"name":"0"}])", first},
+        {Encoding::json, R"({"name":"x","sub":[{"id":2},{"id":2}]}])",
+         "/toy:top/entry[name='x']/sub[id='2']"},
+        {Encoding::json, R"({"name":"x"}],"words":["a","b","a"])", "/toy:top/words[.='a']"},
+        {Encoding::json, R"({"name":"x"}],"inner":{"deep":"a"},"toy:inner":{})", "/toy:top/inner"},
+        {Encoding::xml, "<entry><name>x</name></entry><words>a</words><words>b</words>", ""},
+        {Encoding::xml, "<t:entry xmlns:t='urn:test:toy'><t:name>0</t:name></t:entry>", first},
+        {Encoding::xml, "<entry><sub><id>2</id></sub><sub><id>02</id></sub><name>x</name></entry>",
+         "/toy:top/entry/sub[id='2']"},
+        {Encoding::xml, "<plain>a</plain><number>1</number><plain>a</plain>", "/toy:top/plain"},
+    };
+    for (const auto &[encoding, more, path] : cases) {
+        ToyBench bench("{}");
+        const std::string body = encoding == Encoding::json
+            ? R"({"toy:top":{"entry":[)" + json + "," + more + "}}"
+            : "<top xmlns='urn:test:toy'>" + xml + more + "</top>";
+        std::string refused;
+        try {
+            bench.host().edit({put, bench.target("toy:top"), body, encoding, {}, {}});
+        } catch (const Failure &failure) {
+            refused = failure.errors.front().path;
+        }
+        EXPECT_EQ(refused, path) << more;
+    }
+}
+
 TEST(Created, IsToldForWhatWasNotThere)
 {
     ToyBench bench;
@@ -94,6 +137,14 @@ std::string readText(ToyBench &bench, const std::string &path, unsigned depth, s
                     .value_or("");
     std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
     return text;
+}
+
+TEST(Reads, DefaultsOfContainersWithoutData)
+{
+    ToyBench bench("{}");
+    for (const char *path : {"", "toy:top", "toy:top/number"})
+        EXPECT_THAT(readText(bench, path, 0, {}, WithDefaults::reportAll), testing::HasSubstr("number\":7"))
+            << path;
 }
 
 TEST(Reads, DepthFieldsAndDefaults)
