@@ -10,6 +10,11 @@ struct AnswerRow {
 };
 constexpr AnswerRow kAnswers[] = {
     {SEC_MSG_BUM_RATE_LIMIT, &bum_rate_limit_resp__descriptor},
+    {SEC_MSG_ACL_DEFINITION, &common_resp__descriptor},
+    {SEC_MSG_ACL_IPV4_FILTER, &common_resp__descriptor},
+    {SEC_MSG_ACL_MAC_FILTER, &common_resp__descriptor},
+    {SEC_MSG_ACL_IPV6_FILTER, &common_resp__descriptor},
+    {SEC_MSG_ACL_BINDING, &common_resp__descriptor},
 };
 
 const ProtobufCMessageDescriptor *answerFor(std::uint32_t messageCode)

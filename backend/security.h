@@ -9,6 +9,12 @@ extern "C" {
 
 // Message codes.
 #define SEC_MSG_BUM_RATE_LIMIT 0x99005Du // bum_rate_limit_msg, answered by bum_rate_limit_resp
+// Access lists, all answered by common_resp. The sub-type is the kind of list: 1 IPv4, 2 IPv6, 3 L2.
+#define SEC_MSG_ACL_DEFINITION 0x99003Cu  // acl_definition_request
+#define SEC_MSG_ACL_IPV4_FILTER 0x99003Eu // ipv4_acl_filter
+#define SEC_MSG_ACL_MAC_FILTER 0x990043u  // mac_acl_filter
+#define SEC_MSG_ACL_IPV6_FILTER 0x990044u // ipv6_acl_filter
+#define SEC_MSG_ACL_BINDING 0x990045u     // acl_interf_binding
 
 // Sub-types.
 #define SEC_SUB_TYPE_BUM_RATE_LIMIT 41u

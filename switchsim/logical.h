@@ -25,10 +25,28 @@ struct Lags {
 
 using RoutedInterfaces = std::map<std::string, Interface, std::less<>>; // ve and loopback, by name
 
+// Multicast snooping, for all VLANs or for one. 0: not set.
+struct Snooping {
+    std::int32_t mode = 0; // of the querier, 1 active, 2 passive
+    std::uint32_t version = 0;
+
+    bool operator==(const Snooping &) const = default;
+};
+
+// The spanning tree of a VLAN: one of the two kinds.
+struct SpanningTree {
+    static constexpr std::uint32_t kDefaultPriority = 32768;
+
+    bool isRapid;
+    std::uint32_t priority = kDefaultPriority;
+};
+
 struct Vlan {
     std::optional<std::string> name;
     std::set<std::string> tagged, untagged; // interface names
     bool isManagement = false;
+    std::optional<SpanningTree> tree;
+    Snooping snooping;
 };
 
 struct Vlans {

@@ -9,12 +9,22 @@
 
 namespace switchsim {
 
+// What a port does in spanning trees.
+struct TreePort {
+    bool hasRootGuard = false;
+    bool hasBpduGuard = false;
+    bool isEdge = false;
+
+    bool operator==(const TreePort &) const = default;
+};
+
 // What every interface has, whatever its kind.
 struct Interface {
     std::string name; // "ethernet 1/1/7"
     std::uint32_t ifindex = 0;
     bool isEnabled = true;
     std::optional<std::string> description;
+    TreePort treePort;
 };
 
 // The numbers are those of the messages; as it comes from the factory a port negotiates all.

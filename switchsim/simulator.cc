@@ -65,6 +65,9 @@ Simulator::Simulator(std::function<void()> die)
     families_.push_back(makeRoutedInterfaces(device_));
     families_.push_back(makeLags(device_));
     families_.push_back(makeVlans(device_));
+    families_.push_back(makeSpanningTrees(device_));
+    families_.push_back(makeLldp(device_));
+    families_.push_back(makeMcastSnooping(device_));
     families_.push_back(makeStaticMacs(device_));
     families_.push_back(makeDhcpClient(device_));
     families_.push_back(makeDhcpServer(device_));
@@ -73,6 +76,7 @@ Simulator::Simulator(std::function<void()> die)
     families_.push_back(makeJumbo(device_));
     families_.push_back(makeTrustDscp(device_));
     families_.push_back(makeStormControl(device_));
+    families_.push_back(makeAccessLists(device_));
     families_.push_back(makeProtectedPorts(device_));
     families_.push_back(makeForwardingProfile(device_));
     families_.push_back(makePoe(device_));

@@ -24,6 +24,7 @@ constexpr Value kAtStart[] = {
     {"dhcp-leases", 0, 10'000,
      "clients that have a lease of the DHCP server; the file of leases is written anew"},
     {"dhcp-static-leases", 0, 200, "fixed leases in the DHCP server's first pool"},
+    {"acl-rules", 4'096, 100'000, "rules that all access lists together may have"},
     {"routes", 3, 1'000'000, "routes in the IPv4 table"},
     {"poe-draw", 6'400, 100'000, "milliwatts that the device on an enabled port takes"},
 };

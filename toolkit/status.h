@@ -6,10 +6,11 @@
 using Status = std::uint16_t;
 
 inline constexpr Status kOk = 0;
-inline constexpr Status kInternal = 4;       // what cannot occur; also a failed back-end request
-inline constexpr Status kBadData = 111;      // a value that is there but unusable, such as an empty name
-inline constexpr Status kMissingValue = 209; // a leaf that the operation needs is absent
-inline constexpr Status kNotFound = 250;     // a definition that the module should have is not there
+inline constexpr Status kInternal = 4;           // what cannot occur; also a failed back-end request
+inline constexpr Status kBadData = 111;          // a value that is there but unusable, such as an empty name
+inline constexpr Status kMissingValue = 209;     // a leaf that the operation needs is absent
+inline constexpr Status kMissingParameter = 233; // a node that the operation needs is absent
+inline constexpr Status kNotFound = 250;         // a definition that the module should have is not there
 inline constexpr Status kInvalidValue = 261;
 inline constexpr Status kNotSupported = 273; // this node or this mode does not allow the operation
 inline constexpr Status kFailed = 274;

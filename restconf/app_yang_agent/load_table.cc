@@ -27,9 +27,16 @@ DECLARE_UNIT(openconfig_if_aggregate_aug);
 DECLARE_UNIT(lyn_openconfig_if_ethernet_aug);
 DECLARE_UNIT(openconfig_if_ip);
 DECLARE_UNIT(openconfig_vlan);
+DECLARE_UNIT(openconfig_spanning_tree);
+DECLARE_UNIT(lyn_openconfig_spanning_tree_aug);
+DECLARE_UNIT(openconfig_lldp);
+DECLARE_UNIT(lyn_openconfig_lldp_aug);
+DECLARE_UNIT(lyn_igmp_mld_snooping);
 DECLARE_UNIT(openconfig_network_instance);
 DECLARE_UNIT(lyn_openconfig_network_instance_aug);
 DECLARE_UNIT(lyn_openconfig_iproute);
+DECLARE_UNIT(openconfig_acl);
+DECLARE_UNIT(lyn_openconfig_acl_aug);
 DECLARE_UNIT(lyn_openconfig_dhcp_server);
 DECLARE_UNIT(lyn_openconfig_jumbo);
 DECLARE_UNIT(lyn_openconfig_ping);
@@ -64,13 +71,13 @@ constexpr UnitRow kUnits[] = {
     UNIT(lyn_openconfig_if_ethernet_aug, "lyn-openconfig-if-ethernet-aug", "2019-11-12", false, FailureText::plainAsError),
     UNIT(openconfig_if_aggregate, "openconfig-if-aggregate", "2018-11-21"),
     UNIT(openconfig_if_ip, "openconfig-if-ip", "2018-11-21"),
-    PENDING("openconfig-spanning-tree", "2018-11-21"),
+    UNIT(openconfig_spanning_tree, "openconfig-spanning-tree", "2018-11-21"),
     UNIT(openconfig_vlan, "openconfig-vlan", "2018-11-21"),
-    PENDING("openconfig-lldp", "2018-11-21"),
-    PENDING("lyn-openconfig-lldp-aug", "2021-12-20"),
+    UNIT(openconfig_lldp, "openconfig-lldp", "2018-11-21"),
+    UNIT(lyn_openconfig_lldp_aug, "lyn-openconfig-lldp-aug", "2021-12-20"),
     UNIT(lyn_openconfig_if_poe_aug, "lyn-openconfig-if-poe-aug", "2020-01-04"),
     UNIT(openconfig_network_instance, "openconfig-network-instance", "2018-11-21"),
-    PENDING("openconfig-acl", "2018-11-21"),
+    UNIT(openconfig_acl, "openconfig-acl", "2018-11-21"),
     PENDING("openconfig-probes", "2018-11-21"),
     UNIT(lyn_openconfig_protectedport, "lyn-openconfig-protectedport", "2020-11-26"),
     PENDING("openconfig-relay-agent", "2018-11-21"),
@@ -87,13 +94,13 @@ constexpr UnitRow kUnits[] = {
     UNIT(openconfig_platform, "openconfig-platform", "2018-11-21"),
     UNIT(lyn_openconfig_stack, "lyn-openconfig-stack", "2021-11-04"),
     UNIT(lyn_openconfig_stormcontrol, "lyn-openconfig-stormcontrol", "2021-10-28"),
-    PENDING("lyn-igmp-mld-snooping", "2021-12-10", false, FailureText::named, "igmp_mld_snooping"),
+    UNIT(lyn_igmp_mld_snooping, "lyn-igmp-mld-snooping", "2021-12-10", false, FailureText::named, "igmp_mld_snooping"),
     PENDING("lyn-openconfig-if-ndi-aug", "2021-12-27"),
     PENDING("lyn-openconfig-if-source-guard-aug", "2021-12-27"),
     UNIT(lyn_openconfig_flash, "lyn-openconfig-flash", "2022-01-08"),
     PENDING("lyn-openconfig-snmp-server", "2022-01-10"),
-    PENDING("lyn-openconfig-acl-aug", "2022-01-19"),
-    PENDING("lyn-openconfig-spanning-tree-aug", "2018-11-21"),
+    UNIT(lyn_openconfig_acl_aug, "lyn-openconfig-acl-aug", "2022-01-19"),
+    UNIT(lyn_openconfig_spanning_tree_aug, "lyn-openconfig-spanning-tree-aug", "2018-11-21"),
     PENDING("lyn-openconfig-cli-template", "2022-02-01"),
     PENDING("lyn-openconfig-actions", "2022-02-04"),
     UNIT(lyn_openconfig_if_trust_dscp_aug, "lyn-openconfig-if-trust-dscp-aug", "2022-03-10"),

@@ -161,6 +161,8 @@ private:
 
     EditOp opOfDifference(const ChangeNode &node, const NodeInfo &info, Around around) const
     {
+        if (around == Around::deleted && (info.options & spared))
+            return noOperation;
         if (!isPlainContainer(node.schema)) {
             const EditOp existing = opOfExisting(node);
             const bool changed = existing == merge || existing == replace;
@@ -193,7 +195,7 @@ private:
         if (around == Around::created)
             return holdsAnything(node.after) ? create : noOperation;
         if (around == Around::deleted)
-            return holdsBefore(node) && !(info.options & spared) ? del : noOperation;
+            return holdsBefore(node) ? del : noOperation;
         if (around == Around::replaced && (info.options & replacedWithEntry))
             return replace;
         switch (node.told) {

@@ -11,6 +11,7 @@ constexpr StatusInfo kStatuses[] = {
     {kInternal, "operation-failed", "the device could not carry out the operation"},
     {kBadData, "operation-failed", "a value cannot be used as it is"},
     {kMissingValue, "operation-failed", "a value that the operation needs is missing"},
+    {kMissingParameter, "missing-element", "a node that the operation needs is missing"},
     {kNotFound, "operation-failed", "a definition was not found"},
     {kInvalidValue, "invalid-value", "the value is not allowed here"},
     {272, "missing-element", "a parameter that the operation needs is missing"},

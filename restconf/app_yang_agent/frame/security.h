@@ -15,5 +15,8 @@ using SecurityAnswer = Owned<ProtobufCMessage, protobuf_c_message_free_unpacked>
 // is logged.
 int sendSecurityMessage(ProtobufCMessage &message, std::uint32_t subType, std::uint32_t messageCode,
                         SecurityAnswer &answer, std::int32_t flag = 0);
+// The same for callers with words of their own: a failure is not logged.
+int exchangeSecurityMessage(ProtobufCMessage &message, std::uint32_t subType, std::uint32_t messageCode,
+                            SecurityAnswer &answer, std::int32_t flag = 0);
 
 } // namespace frame

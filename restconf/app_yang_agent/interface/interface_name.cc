@@ -15,6 +15,14 @@ const NameTexts kBindingTexts = {
     "Should have single space between lag and DECIMAL",
     "Should have single space between vlan and DECIMAL",
 };
+const NameTexts kEgressTexts = {
+    kBindingTexts.several,
+    kBindingTexts.ethernet,
+    kBindingTexts.lag,
+    kBindingTexts.vlan,
+    "Space should not present at the end of interface key",
+    "No Space in starting of interface key",
+};
 const NameTexts kVlanListTexts = {
     "Multiple interfaces Not allowded in a name key",
     "Single space between ethernet and STACKID/SLOT/PORT",
@@ -38,12 +46,12 @@ namespace {
 
 // The word stands first with a blank behind it, and what follows is no blank.
 Status checkWord(const frame::EditCall &call, std::string_view name, std::string_view word,
-                 const char *single)
+                 const char *single, const char *noStart)
 {
     Status status = kOk;
     const std::string start = std::string(word) + " ";
     if (name.substr(0, start.size()) != start)
-        status = recordText(call, kInternal, "No Space in starting of key");
+        status = recordText(call, kInternal, noStart);
     if (name.size() > start.size() && name[start.size()] == ' ')
         status = recordText(call, kInternal, single);
     return status;
@@ -58,13 +66,13 @@ Status checkName(const frame::EditCall &call, const char *name, const NameTexts 
     if (holds("to"))
         return recordText(call, kInternal, texts.several);
     if (!key.empty() && key.back() == ' ')
-        return recordText(call, kInternal, "Space should not present at the end of name key");
+        return recordText(call, kInternal, texts.end);
     if (holds("ethernet"))
-        return checkWord(call, key, "ethernet", texts.ethernet);
+        return checkWord(call, key, "ethernet", texts.ethernet, texts.start);
     if (holds("lag"))
-        return checkWord(call, key, "lag", texts.lag);
+        return checkWord(call, key, "lag", texts.lag, texts.start);
     if (texts.vlan && holds("vlan"))
-        return checkWord(call, key, "vlan", texts.vlan);
+        return checkWord(call, key, "vlan", texts.vlan, texts.start);
     return kOk;
 }
 

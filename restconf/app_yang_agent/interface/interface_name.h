@@ -18,8 +18,11 @@ struct NameTexts {
     const char *ethernet;
     const char *lag;
     const char *vlan; // null: the list takes no VLAN, and a name with "vlan" is not looked at
+    const char *end = "Space should not present at the end of name key";
+    const char *start = "No Space in starting of key";
 };
 extern const NameTexts kBindingTexts;  // interfaces that access lists are bound to
+extern const NameTexts kEgressTexts;   // the same, of the list for egress
 extern const NameTexts kVlanListTexts; // lists of interfaces in a VLAN
 
 // Checks such a key. Each refusal is recorded with kInternal, which is then the result. A name of no known

@@ -117,6 +117,10 @@ const Case kCases[] = {
      wholeEntry},
     {"spared_when_its_entry_goes", R"({"entry":[{"name":"a","config":{"value":"v"}}]})", remove, "entry=a",
      "", "delete /toy:top/entry[name='a']", "/t:top/t:entry/t:config", spared},
+    {"an_entry_is_spared_when_that_around_it_goes", R"({"entry":[{"name":"a","sub":[{"id":1}]}]})", remove,
+     "entry=a", "", "delete /toy:top/entry[name='a']", "/t:top/t:entry/t:sub", spared},
+    {"a_spared_entry_goes_by_itself", R"({"entry":[{"name":"a","sub":[{"id":1}]}]})", remove, "entry=a/sub=1",
+     "", "delete /toy:top/entry[name='a']/sub[id='1']", "/t:top/t:entry/t:sub", spared},
     {"what_is_told_first_takes_the_nodes_around_it_along", R"({"entry":[{"name":"b"}]})", patch, "/",
      R"({"toy:top":{"plain":"p","config":{"limit":3},"entry":[{"name":"a","config":{"value":"v"}},{"name":"b","own":"o"}]}})",
      "merge /toy:top plain:create=p; create /toy:top/entry[name='a'] name:create=a; create "
