@@ -1,3 +1,4 @@
+#include "legible.h"
 #include "toolkit/edit.h"
 
 #include "request.h"
@@ -102,7 +103,7 @@ extern "C" void agt_record_error(Session *, MessageHeader *mhdr, int, Status sta
 {
     ErrorRecord record{status, {}, mhdr->path()};
     if (infoKind == infoString && errorInfo)
-        record.text = static_cast<const char *>(errorInfo);
+        record.text = legible(static_cast<const char *>(errorInfo));
     const Value *node = nodeKind == infoValue && errorNode ? errorNode
         : infoKind == infoValue                            ? static_cast<const Value *>(errorInfo)
                                                            : nullptr;

@@ -1,6 +1,7 @@
 #include "value.h"
 
 #include "context.h"
+#include "legible.h"
 #include "toolkit/edit.h"
 #include "toolkit/log.h"
 
@@ -294,6 +295,8 @@ std::unique_ptr<Value> makeLeaf(const lysc_node *schema, const char *text, Statu
     const lysc_type *declared = schema->nodetype == LYS_LEAF
         ? reinterpret_cast<const lysc_node_leaf *>(schema)->type
         : reinterpret_cast<const lysc_node_leaflist *>(schema)->type;
+    const std::string clean = legible(text);
+    text = clean.c_str();
     const std::string identity = qualifiedIdentity(declared, text);
     if (!identity.empty())
         text = identity.c_str();

@@ -1,5 +1,6 @@
 // State: which callbacks are asked, for what, and what becomes of their answers.
 #include "tests/unit/toolkit/toy.h"
+#include "toolkit/src/legible.h"
 
 #include <gmock/gmock.h>
 
@@ -178,6 +179,25 @@ TEST_F(Retrieval, AnUnregisteredPathIsAskedNoMore)
     EXPECT_EQ(bench.read("toy:top/state", Content::all), R"({"toy:state":{}})");
     EXPECT_THAT(asked, ElementsAre());
     agt_cb_unregister_callbacks("toy", "/t:top/t:state"); // harmless
+}
+
+TEST(TextsOfTheSwitch, GetThroughInWhateverStateTheyAre)
+{
+    const std::string no = "\uFFFD";
+    const std::pair<std::string, std::string> cases[] = {
+        {"a\tb\r\n~\x7f \u00e9 \u20ac \U0001F600", "a\tb\r\n~\x7f \u00e9 \u20ac \U0001F600"},
+        {"a\x01\x1b[0m", "a" + no + no + "[0m"},
+        {"\xff\xfe", no + no},
+        {"cut\xe2\x82", "cut" + no + no},
+        {"\xc3(", no + "("},
+        {"\xc0\xaf", no + no},                   // "/" written too long
+        {"\xe0\x80\xaf", no + no + no},          // the same
+        {"\xed\xa0\x80", no + no + no},          // half of a pair
+        {"\xef\xbf\xbe", no + no + no},          // no character
+        {"\xf4\x90\x80\x80", no + no + no + no}, // beyond the last
+    };
+    for (const auto &[text, shown] : cases)
+        EXPECT_EQ(legible(text), shown);
 }
 
 } // namespace
