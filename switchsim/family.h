@@ -90,5 +90,6 @@ std::unique_ptr<Family> makeChassis(Device &device);
 std::unique_ptr<Family> makeStack(Device &device);
 std::unique_ptr<Family> makeFlash(Device &device);
 std::unique_ptr<Family> makeConfigFiles(Device &device);
+std::unique_ptr<Family> makeSupportData(Device &device);
 
 } // namespace switchsim

@@ -86,6 +86,7 @@ Simulator::Simulator(std::function<void()> die)
     families_.push_back(makeStack(device_));
     families_.push_back(makeFlash(device_));
     families_.push_back(makeConfigFiles(device_));
+    families_.push_back(makeSupportData(device_));
     device_.runningConfig = [this] { return runningConfig(); };
     for (const auto &family : families_)
         family->registerCalls(calls_);

@@ -67,7 +67,7 @@ enum EditOption : unsigned {
     noRollback = 1u << 7,        // not told `rollback`
     undoesItself = 1u << 8,      // told `rollback` also when its own call failed
     mergedCurrent = 1u << 9, // on a `merge`, curval is the value after the edit, in rollback the one before
-    toldWhenSame = 1u << 10, // told although nothing differs
+    toldWhenSame = 1u << 10, // told of every edit that names it or merges it, although nothing differs
     swappedInRollback = 1u << 11, // child edits have new and current value exchanged in `rollback`
     beforeItsEntries = 1u << 12,  // when told `replace`, deletions inside it follow behind it
     retold = 1u << 13,            // what one of the next two tells again, by a `merge` without child edits

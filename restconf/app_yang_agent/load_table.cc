@@ -53,6 +53,7 @@ DECLARE_UNIT(lyn_openconfig_platform_aug);
 DECLARE_UNIT(openconfig_platform);
 DECLARE_UNIT(lyn_openconfig_stack);
 DECLARE_UNIT(lyn_openconfig_flash);
+DECLARE_UNIT(lyn_openconfig_supportsave);
 DECLARE_UNIT(lyn_openconfig_forwarding_profile);
 
 namespace bundle {
@@ -104,7 +105,7 @@ constexpr UnitRow kUnits[] = {
     PENDING("lyn-openconfig-cli-template", "2022-02-01"),
     PENDING("lyn-openconfig-actions", "2022-02-04"),
     UNIT(lyn_openconfig_if_trust_dscp_aug, "lyn-openconfig-if-trust-dscp-aug", "2022-03-10"),
-    PENDING("lyn-openconfig-supportsave", "2022-02-22"),
+    UNIT(lyn_openconfig_supportsave, "lyn-openconfig-supportsave", "2022-02-22"),
     UNIT(lyn_openconfig_system_aug, "lyn-openconfig-system-aug", "2022-03-23", false, FailureText::named, "default-gateway"),
     PENDING("lyn-openconfig-archive", "2022-03-12", false, FailureText::named, "lyn_archive"),
     UNIT(lyn_openconfig_ping, "lyn-openconfig-ping", "2022-07-05", false, FailureText::named, "lyn_ping"),

@@ -180,3 +180,17 @@ def test_flash_read_outs(device):
     device.switch("fault", "add", "ui_fe_flash_item_req", "null", "--count", 100)
     whole = device.get(f"{DATA}/{FLASH}:flash")  # tells nothing, and no error
     assert whole.status_code == 200 and not any(whole.json()[f"{FLASH}:flash"].values())
+
+
+def test_support_data(device):
+    path, mark = f"{DATA}/lyn-openconfig-supportsave:invokeSS", device.last_seq()
+    wanted = {"lyn-openconfig-supportsave:invokeSS": {"modName": "core", "httpSrvrIP": "192.0.2.9"}}
+    assert device.put(path, wanted).status_code == 201
+    refused(device.put(path, wanted), 405, 273)
+    assert device.get(path).json() == wanted
+    assert device.delete(path).status_code == 204
+    assert device.put(path, wanted).status_code == 201
+    assert [entry["request"] for entry in device.journal(mark)] == [
+        {"reply": {"ui_err": 0, "app_err": 0}, "ss_server_kind": 5, "ss_server_ip": "192.0.2.9", "ss_module": 6, "ss_path": "/"}] * 2
+    assert device.switch("show", "support-data")
+    device.delete(path)

@@ -1,3 +1,4 @@
+#include "errors.h"
 #include "legible.h"
 #include "toolkit/edit.h"
 
@@ -12,14 +13,10 @@ namespace tk {
 std::vector<Error> MessageHeader::errors(std::size_t first, Status status) const
 {
     std::vector<Error> errors;
-    const auto add = [&](Status number, const std::string &where, const std::string &text) {
-        const StatusInfo &info = statusInfo(number);
-        errors.push_back({number, info.tag, std::to_string(number), where, text.empty() ? info.text : text});
-    };
     for (std::size_t i = first; i < records.size(); ++i)
-        add(records[i].status, records[i].path, records[i].text);
+        errors.push_back(statusError(records[i].status, records[i].path, legible(records[i].text)));
     if (errors.empty())
-        add(status, path(), {});
+        errors.push_back(statusError(status, path()));
     return errors;
 }
 
@@ -103,7 +100,7 @@ extern "C" void agt_record_error(Session *, MessageHeader *mhdr, int, Status sta
 {
     ErrorRecord record{status, {}, mhdr->path()};
     if (infoKind == infoString && errorInfo)
-        record.text = legible(static_cast<const char *>(errorInfo));
+        record.text = static_cast<const char *>(errorInfo);
     const Value *node = nodeKind == infoValue && errorNode ? errorNode
         : infoKind == infoValue                            ? static_cast<const Value *>(errorInfo)
                                                            : nullptr;

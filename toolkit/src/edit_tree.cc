@@ -153,7 +153,9 @@ void Editor::applyToExisting(EditTree &edit, lyd_node *wanted, lyd_node *existin
         changes_.remove(existing);
         change.after = nullptr;
     }
-    if (change.children.empty() && !change.moved)
+    // Somebody asks for just this; a datastore that is replaced as a whole only says what stays.
+    change.retold = (infoOf(existing->schema).options & toldWhenSame) && (itself || ask == Ask::merge);
+    if (change.children.empty() && !change.moved && !change.retold)
         place.change->children.pop_back();
 }
 

@@ -37,8 +37,8 @@ struct EditTree {
     bool toldAsMerge = false;   // callbacks hear of the difference as if the client had merged it
 };
 
-// One node of the difference. Nodes in which nothing differs have none. Inside something created or deleted
-// there are no children here: they are those of `after` or `before`.
+// One node of the difference. Nodes in which nothing differs have none, unless they are told all the same.
+// Inside something created or deleted there are no children here: they are those of `after` or `before`.
 struct ChangeNode {
     const lysc_node *schema = nullptr; // null: the root
     lyd_node *before = nullptr;
@@ -47,7 +47,7 @@ struct ChangeNode {
     Ask effective = Ask::none; // what was asked of the node or anything around it
     Ask told = Ask::none;      // the same, but the nearest entry around it cuts
     bool moved = false;
-    bool retold = false; // nothing need differ: another node's change tells it again
+    bool retold = false; // told although nothing differs: its row asks for it, or another node's change
     std::vector<std::unique_ptr<ChangeNode>> children;
 
     bool isCreated() const { return !before && after; }

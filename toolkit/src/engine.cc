@@ -61,7 +61,7 @@ bool Engine::edit(const std::function<void(Editor &, lyd_node *root)> &change, E
                 watch->failed();
             throw;
         }
-        if (changes.empty())
+        if (changes.empty() && plan.empty())
             return false;
         pending_ = &changes;
     }
@@ -73,7 +73,7 @@ bool Engine::edit(const std::function<void(Editor &, lyd_node *root)> &change, E
             watch->failed();
         throw;
     }
-    const bool differs = !root.children.empty();
+    const bool differs = !changes.empty() && !root.children.empty();
     if (mode == EditMode::testOnly) {
         takeBack(changes, plan);
         return differs;

@@ -215,6 +215,31 @@ TEST(FailureOptions, NoRollbackAndUndoesItself)
               "merge /toy:late plain:create=l; merge /toy:top/config limit:create=1");
 }
 
+TEST(ToldWhenSame, IsToldOfWhatNamesItButNotOfWholeDatastores)
+{
+    const struct {
+        Method method;
+        std::string path, body, told; // in validate
+    } cases[] = {
+        {put, "toy:top/marked", R"({"toy:marked":{"note":"n"}})", "replace /toy:top/marked"},
+        {patch, "", whole(R"({"toy:top":{"marked":{}}})"), "merge /toy:top/marked"},
+        {patch, "", whole(R"({"toy:top":{"plain":"b"}})"), "merge /toy:top plain:create=b"},
+        {put, "", whole(R"({"toy:top":{"marked":{"note":"n"},"plain":"b"}})"), ""},
+    };
+    ToyBench bench(doc(R"({"marked":{"note":"n"}})"), {{"/t:top/t:marked", toldWhenSame}});
+    bench.told(); // of the start
+    for (const auto &[method, path, body, told] : cases) {
+        const Outcome done = bench.edit(method, path, body);
+        EXPECT_TRUE(done.ok()) << body;
+        EXPECT_EQ(done.changed, told.find("plain") != told.npos) << body;
+        EXPECT_EQ(joined(bench.told("validate")), told) << body;
+    }
+    const std::string before = bench.running();
+    bench.failAt("validate", "/toy:top/marked", 273);
+    EXPECT_EQ(bench.put("toy:top/marked", R"({"toy:marked":{"note":"n"}})").status(), 273);
+    EXPECT_EQ(bench.running(), before);
+}
+
 TEST(FailureOptions, SwappedInRollbackTellsTheEditTheOtherWayRound)
 {
     ToyBench bench(doc(R"({"plain":"a","number":5})"), {{"/t:top", swappedInRollback}});

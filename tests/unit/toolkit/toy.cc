@@ -58,9 +58,9 @@ constexpr const char *kPaths[] = {
 
 } // namespace
 
-SlowDevice::SlowDevice(ToyBench &bench)
+SlowDevice::SlowDevice(ToyBench &toy)
 {
-    bench.watch = [this, isFirst = true](const std::string &line, Value *, Value *) mutable {
+    toy.watch = [this, isFirst = true](const std::string &line, Value *, Value *) mutable {
         if (line.rfind("apply", 0) != 0 || !std::exchange(isFirst, false))
             return;
         reached_.set_value();
