@@ -17,7 +17,8 @@ extern "C" {
 int ui_set_intf_config(Ip__Interface__Config *request, CommonResp **answer);
 
 // Adds (`address_op` 1) or removes (3) the address of the interface `name`. Address and mask are numbers in
-// host order; an address that is there already gets the new mask. 0: delivered and done; the answer's ui_err
+// host order; an address that is there already gets the new mask. With `helper_flag` 1 the same for a helper
+// address of the DHCP relay, by `helper_op` 1 and 3 and without a mask. 0: delivered and done; the answer's ui_err
 // if the device turned it down.
 int ui_ip_interface_config(Ip__Interface__Config *request, CommonResp **answer);
 

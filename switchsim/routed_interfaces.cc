@@ -2,6 +2,7 @@
 #include "backend/proto/ipv6_interface.pb-c.h"
 #include "switchsim/family.h"
 
+#include <algorithm>
 #include <array>
 
 #include <arpa/inet.h>
@@ -12,6 +13,7 @@ namespace {
 constexpr std::int32_t kAdd = 1;
 constexpr std::int32_t kUpdate = 2;
 constexpr std::int32_t kRemove = 3;
+constexpr std::size_t kMostHelpers = 16;
 constexpr std::size_t kIpv6Bytes = 16;
 constexpr std::uint32_t kLongestIpv6Prefix = 128;
 
@@ -81,6 +83,9 @@ public:
         for (const auto &[name, addresses] : addresses_)
             for (const auto &[text, address] : addresses)
                 all[name]["addresses"].push_back(text + " " + address.length);
+        for (const auto &[name, helpers] : helpers_)
+            for (const std::uint32_t helper : helpers)
+                all[name]["helpers"].push_back(ipv4Text(helper));
         return all;
     }
 
@@ -108,6 +113,7 @@ private:
         if (request.operation == kRemove) {
             device_.routed.erase(name);
             addresses_.erase(name);
+            helpers_.erase(name);
             return;
         }
         const bool removesText = request.description_op == kRemove;
@@ -135,6 +141,8 @@ private:
     void ipv4(const Ip__Interface__Config &request, Answering &answering)
     {
         const std::string name = nameOf(request.name);
+        if (request.helper_flag != 0)
+            return helper(name, request, answering);
         const Address address{ipv4Text(request.mask), request.address, request.mask};
         if (request.address_op == kAdd) {
             if (request.address == 0 || request.mask == 0)
@@ -143,6 +151,24 @@ private:
                 return answering.refuse("Error: the network is on interface " + other + " already\n");
         }
         change(name, request.address_op, ipv4Text(request.address), address, answering);
+    }
+
+    void helper(const std::string &name, const Ip__Interface__Config &request, Answering &answering)
+    {
+        if (device_.findInterface(name) == nullptr)
+            return answering.refuse(unknownInterface(name));
+        auto &helpers = helpers_[name];
+        const auto found = std::find(helpers.begin(), helpers.end(), request.address);
+        if (request.helper_op == kRemove && found == helpers.end())
+            answering.refuse("Error: interface " + name + " has no such helper address\n");
+        else if (request.helper_op == kRemove)
+            helpers.erase(found);
+        else if (request.helper_op == kAdd && found == helpers.end() && helpers.size() >= kMostHelpers)
+            answering.refuse("Error: interface " + name + " has as many helper addresses as it can\n");
+        else if (request.helper_op == kAdd && found == helpers.end())
+            helpers.push_back(request.address);
+        if (helpers.empty())
+            helpers_.erase(name);
     }
 
     void ipv6(const Ipv6__Interface__Config &request, Answering &answering)
@@ -184,6 +210,7 @@ private:
 
     Device &device_;
     std::map<std::string, std::map<std::string, Address>> addresses_; // by interface and text
+    std::map<std::string, std::vector<std::uint32_t>> helpers_;       // by interface, as they came
 };
 
 } // namespace

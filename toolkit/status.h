@@ -12,6 +12,7 @@ inline constexpr Status kMissingValue = 209;     // a leaf that the operation ne
 inline constexpr Status kMissingParameter = 233; // a node that the operation needs is absent
 inline constexpr Status kNotFound = 250;         // a definition that the module should have is not there
 inline constexpr Status kInvalidValue = 261;
+inline constexpr Status kMissingInput = 272; // a parameter that the operation needs is absent
 inline constexpr Status kNotSupported = 273; // this node or this mode does not allow the operation
 inline constexpr Status kFailed = 274;
 inline constexpr Status kWrongRevision = 314;

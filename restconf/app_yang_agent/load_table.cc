@@ -54,6 +54,7 @@ DECLARE_UNIT(openconfig_platform);
 DECLARE_UNIT(lyn_openconfig_stack);
 DECLARE_UNIT(lyn_openconfig_flash);
 DECLARE_UNIT(lyn_openconfig_supportsave);
+DECLARE_UNIT(openconfig_relay_agent);
 DECLARE_UNIT(lyn_openconfig_forwarding_profile);
 
 namespace bundle {
@@ -81,7 +82,7 @@ constexpr UnitRow kUnits[] = {
     UNIT(openconfig_acl, "openconfig-acl", "2018-11-21"),
     PENDING("openconfig-probes", "2018-11-21"),
     UNIT(lyn_openconfig_protectedport, "lyn-openconfig-protectedport", "2020-11-26"),
-    PENDING("openconfig-relay-agent", "2018-11-21"),
+    UNIT(openconfig_relay_agent, "openconfig-relay-agent", "2018-11-21"),
     PENDING("lyn-openconfig-vlan-aug", "2021-11-15"),
     UNIT(lyn_openconfig_jumbo, "lyn-openconfig-jumbo", "2021-11-05"),
     PENDING("lyn-flexauth-dev", "2021-12-07"),

@@ -147,3 +147,23 @@ class TestDhcpServer:
         agent.switch("set", "dhcp-leases", 0)
         agent.switch("set", "dhcp-static-leases", 0)
         assert agent.get(BINDINGS).status_code == 404
+
+
+def test_helper_addresses(agent):
+    """Of the DHCP relay: what comes and goes is told, the rest is not told again, and a refusal leaves running as it was."""
+    path = f"{DATA}/openconfig-relay-agent:relay-agent/dhcp/interfaces/interface={urllib.parse.quote('ethernet 1/1/3', safe='')}"
+    name, helpers, call = "ethernet 1/1/3", f"{path}/config/helper-address", "ui_ip_interface_config"
+
+    def entry(*addresses):
+        return {"openconfig-relay-agent:interface": [{"id": name, "config": {"id": name, "helper-address": list(addresses)}}]}
+
+    mark = agent.last_seq()
+    assert agent.put(path, entry("10.1.0.1", "10.1.0.2")).status_code == 201
+    assert agent.delete(f"{helpers}=10.1.0.1").status_code == 204
+    assert agent.patch(path, entry("10.1.0.3")).status_code == 204
+    asked = [(e["request"]["helper_op"], e["request"]["address"]) for e in agent.journal(mark) if e["call"] == call]
+    assert asked == [(1, "10.1.0.1"), (1, "10.1.0.2"), (3, "10.1.0.1"), (1, "10.1.0.3")]
+    agent.switch("fault", "add", call, "refuse", "--text", "Error: busy", "--count", 1)
+    refused(agent.patch(path, entry("10.1.0.4")), 500, 1042, "Error: busy")
+    assert agent.get(path).json() == entry("10.1.0.2", "10.1.0.3")
+    assert agent.delete(path).status_code == 204

@@ -14,7 +14,7 @@ constexpr StatusInfo kStatuses[] = {
     {kMissingParameter, "missing-element", "a node that the operation needs is missing"},
     {kNotFound, "operation-failed", "a definition was not found"},
     {kInvalidValue, "invalid-value", "the value is not allowed here"},
-    {272, "missing-element", "a parameter that the operation needs is missing"},
+    {kMissingInput, "missing-element", "a parameter that the operation needs is missing"},
     {kNotSupported, "operation-not-supported", "the operation is not supported for this node"},
     {kFailed, "operation-failed", "the operation failed"},
     {kWrongRevision, "operation-failed", "the module's revision is not the one expected"},

@@ -214,10 +214,11 @@ TEST_F(Locks, RefuseOthersAndNotTheHolder)
         {kStartup, [](S &s, SessionId id) { s.copy(id, kRunning, kStartup); }},
         {kStartup, [](S &s, SessionId id) { s.removeStartup(id); }},
     };
-    for (const auto &[store, action] : table) {
-        SCOPED_TRACE(&action - &table[0].action);
+    for (const auto &row : table) {
+        const Datastore store = row.locked;
+        SCOPED_TRACE(&row - table);
         const auto asSession = [&](SessionId session) {
-            return bench.attempt([&] { action(stores(), session); });
+            return bench.attempt([&] { row.action(stores(), session); });
         };
         stores().discardChanges(kMine);
         bench.toy().told();
